@@ -70,8 +70,50 @@ struct Format {
 
     uint32_t emptyDataPageFree() const { return pageSize - dataSlotsOffset; }
 
+    bool isJet3() const { return version == Version::Jet3; }
+    // Header: length of the RC4-masked region from 0x18, and of the password field at 0x42.
+    uint32_t headerMaskLength() const { return isJet3() ? 126 : 128; }
+    uint32_t passwordLength() const { return isJet3() ? 20 : 40; }
+    // Data pages: the owner (TDEF page, 0 for usage maps, "LVAL" for long values) at 4.
+    static constexpr uint32_t dataOwnerOffset = 4;
+    // Rows: column count, eod, variable offsets and variable count are 1 (Jet 3) or 2 bytes.
+    uint32_t rowFieldSize() const { return isJet3() ? 1 : 2; }
+    // Names in definitions: u8 length + code-page bytes (Jet 3), u16 length + UCS-2 (Jet 4).
+    uint32_t nameLengthSize() const { return isJet3() ? 1 : 2; }
+
     static const Format& of(Version v);
 };
+
+// Where the fields of a table definition's header and descriptors sit (offsets in the
+// definition stream, which starts with the 8-byte page header).
+struct TableDefLayout {
+    uint32_t length, rowCount, autoNumber, tableType, maxColumns, varColumns, columnCount,
+        logicalIndexCount, physicalIndexCount, ownedMap, freeMap;
+    // Column descriptor.
+    uint32_t colType, colNumber, colVarIndex, colCollation, colCodePage, colPrecision, colScale,
+        colFlags, colExtraFlags, colFixedOffset, colLength;
+    // Physical index descriptor.
+    uint32_t pixColumns, pixOwnedMap, pixRootPage, pixFlags;
+    // Logical index descriptor.
+    uint32_t lixNumber, lixPhysical, lixRelatedType, lixRelatedIndex, lixRelatedTable,
+        lixCascadeUpdate, lixCascadeDelete, lixKind;
+
+    static const TableDefLayout& of(Version v);
+};
+
+inline const TableDefLayout& TableDefLayout::of(Version v) {
+    // "none" marks a field the version does not have.
+    constexpr uint32_t none = UINT32_MAX;
+    static const TableDefLayout jet3{0x08, 0x0C, 0x10, 0x14, 0x15, 0x17, 0x19, 0x1B, 0x1F, 0x23, 0x27,
+                                     0, 1, 3, 9, 11, none, none, 13, none, 14, 16,
+                                     0, 30, 34, 38,
+                                     0, 4, 8, 9, 13, 17, 18, 19};
+    static const TableDefLayout jet4{0x08, 0x10, 0x14, 0x28, 0x29, 0x2B, 0x2D, 0x2F, 0x33, 0x37, 0x3B,
+                                     0, 5, 7, 11, none, 11, 12, 15, 16, 21, 23,
+                                     4, 34, 38, 46,
+                                     4, 8, 12, 13, 17, 21, 22, 23};
+    return v == Version::Jet3 ? jet3 : jet4;
+}
 
 inline const Format& Format::of(Version v) {
     static const Format jet3{Version::Jet3, 2048,

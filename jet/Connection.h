@@ -1,0 +1,61 @@
+#pragma once
+// The ADO-like connection: a connection string naming a provider and a file, Open and
+// Close, and the tables schema. The two providers behave as Jet's do: "3.51" opens Jet 3
+// files only and answers a Jet 4 file with -2147467259 (so the caller retries with
+// "4.0"); "4.0" opens both.
+
+#include <cstdint>
+#include <memory>
+#include <string>
+#include <vector>
+
+#include "Variant.h"
+
+namespace jet {
+
+class Database;
+class Env;
+class Recordset;
+
+// ADO constants the surface takes or gives.
+namespace ado {
+inline constexpr int32_t StateClosed = 0, StateOpen = 1;
+inline constexpr int32_t UseServer = 2, UseClient = 3;
+inline constexpr int32_t SchemaTables = 20;
+inline constexpr int32_t CmdTable = 2, CmdTableDirect = 512;
+}  // namespace ado
+
+class Connection {
+public:
+    Connection();
+    explicit Connection(Env& env);
+    ~Connection();
+
+    const std::string& ConnectionString() const { return connectionString_; }
+    void setConnectionString(std::string text);
+    int32_t CursorLocation() const { return cursorLocation_; }
+    void setCursorLocation(int32_t location) { cursorLocation_ = location; }
+
+    // Empty arguments keep what the connection string says; a non-empty user or password
+    // overrides it, as ADO's Open arguments do.
+    void Open(const std::string& connectionString = "", const std::string& userId = "",
+              const std::string& password = "", int32_t options = -1);
+    void Close();
+    int32_t State() const { return db_ ? ado::StateOpen : ado::StateClosed; }
+
+    // Schema rowsets; only the tables schema (20) exists. Restrictions: catalog, schema,
+    // table name, table type ("TABLE", "SYSTEM TABLE", "ACCESS TABLE", "LINK",
+    // "PASS-THROUGH"); Empty entries do not restrict.
+    std::shared_ptr<Recordset> OpenSchema(int32_t schema, const std::vector<Variant>& restrictions = {});
+
+    // The open database (run-time error 3704 when closed).
+    std::shared_ptr<Database> database() const;
+
+private:
+    Env& env_;
+    std::string connectionString_;
+    int32_t cursorLocation_ = ado::UseServer;
+    std::shared_ptr<Database> db_;
+};
+
+}  // namespace jet

@@ -1,0 +1,100 @@
+// sheetwright-cli: the headless companion of the editor.
+//
+//   sheetwright-cli tables FILE                     user tables, one per line
+//   sheetwright-cli export FILE TABLE --format csv  a table as CSV on standard output
+//   sheetwright-cli check FILE                      integrity check; exit 0 when clean
+//
+// Any error ends the program with status 1 and one line on standard error; a wrong
+// command line gives status 2 and the usage.
+
+#include <cstring>
+#include <iostream>
+#include <string>
+#include <vector>
+
+#include "CsvExport.h"
+#include "jet/Checker.h"
+#include "jet/Connection.h"
+#include "jet/Recordset.h"
+#include "jet/RuntimeError.h"
+
+namespace {
+
+using Args = std::vector<std::string>;
+
+const char* usage =
+    "usage: sheetwright-cli tables FILE\n"
+    "       sheetwright-cli export FILE TABLE --format csv\n"
+    "       sheetwright-cli check FILE\n";
+
+// The newer provider opens both formats.
+void openFile(jet::Connection& cn, const std::string& file) {
+    cn.Open("Provider=microsoft.jet.OLEDB.4.0;Data Source=" + file);
+}
+
+int tables(const Args& a) {
+    if (a.size() != 1) throw std::invalid_argument("tables takes one file");
+    jet::Connection cn;
+    openFile(cn, a[0]);
+    auto rs = cn.OpenSchema(jet::ado::SchemaTables, {{}, {}, {}, jet::Variant::string("TABLE")});
+    std::string out;
+    if (rs->RecordCount() > 0)
+        for (rs->MoveFirst(); !rs->Eof(); rs->MoveNext()) out += rs->Fields().Item("TABLE_NAME").Value().asString() + "\n";
+    std::cout << out;
+    return 0;
+}
+
+int exportTable(const Args& a) {
+    if (a.size() != 4 || a[2] != "--format") throw std::invalid_argument("export takes FILE TABLE --format csv");
+    if (a[3] != "csv") throw std::invalid_argument("unknown export format '" + a[3] + "' (only csv)");
+    jet::Connection cn;
+    openFile(cn, a[0]);
+    jet::Recordset rs;
+    rs.Open("SELECT * FROM [" + a[1] + "]", cn);
+    sheetwright::cli::exportCsv(rs, std::cout);
+    std::cout.flush();
+    if (!std::cout) throw std::runtime_error("cannot write the output");
+    return 0;
+}
+
+int check(const Args& a) {
+    if (a.size() != 1) throw std::invalid_argument("check takes one file");
+    jet::CheckReport report = jet::check(a[0]);
+    for (const auto& issue : report.issues) std::cout << issue.where << ": " << issue.problem << "\n";
+    std::cout << report.tablesChecked << " tables, " << report.rowsChecked << " rows, " << report.pagesChecked
+              << " data pages checked: " << (report.clean() ? "no problems" : std::to_string(report.issues.size()) + " problems")
+              << "\n";
+    if (!report.clean()) {
+        std::cerr << "sheetwright-cli: " << a[0] << " has " << report.issues.size() << " problems\n";
+        return 1;
+    }
+    return 0;
+}
+
+}  // namespace
+
+int main(int argc, char** argv) {
+    std::ios::sync_with_stdio(false);
+    if (argc < 2) {
+        std::cerr << usage;
+        return 2;
+    }
+    const std::string command = argv[1];
+    Args args(argv + 2, argv + argc);
+    try {
+        if (command == "tables") return tables(args);
+        if (command == "export") return exportTable(args);
+        if (command == "check") return check(args);
+        std::cerr << "sheetwright-cli: unknown command '" << command << "'\n" << usage;
+        return 2;
+    } catch (const std::invalid_argument& e) {
+        std::cerr << "sheetwright-cli: " << e.what() << "\n" << usage;
+        return 2;
+    } catch (const jet::RuntimeError& e) {
+        std::cerr << "sheetwright-cli: " << e.description() << " (error " << e.number() << ")\n";
+        return 1;
+    } catch (const std::exception& e) {
+        std::cerr << "sheetwright-cli: " << e.what() << "\n";
+        return 1;
+    }
+}

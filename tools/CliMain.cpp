@@ -64,6 +64,7 @@ int check(const Args& a) {
     std::cout << report.tablesChecked << " tables, " << report.rowsChecked << " rows, " << report.pagesChecked
               << " data pages checked: " << (report.clean() ? "no problems" : std::to_string(report.issues.size()) + " problems")
               << "\n";
+    std::cout.flush();
     if (!report.clean()) {
         std::cerr << "sheetwright-cli: " << a[0] << " has " << report.issues.size() << " problems\n";
         return 1;

@@ -21,9 +21,11 @@ class IndexPageStore : public IndexPageReader {
 public:
     // Page n, to be changed in place; the returned buffer holds its current contents.
     virtual uint8_t* writePage(uint32_t n) = 0;
-    // A page for this index that no other structure uses (its contents are overwritten).
+    // A page for this index that no other structure uses (its contents are overwritten):
+    // in the index's owned map and marked used in the global map.
     virtual uint32_t allocatePage() = 0;
-    // A page the index no longer uses.
+    // A page the index no longer uses: out of the index's owned map (the integrity checker
+    // expects the map to list the tree's pages only); the global map may mark it free.
     virtual void freePage(uint32_t n) = 0;
 };
 

@@ -2,6 +2,8 @@
 // index depends on, that the unsigned byte order of keys is the order of the values.
 #include <gtest/gtest.h>
 
+#include "IndexHex.h"
+
 #include <algorithm>
 #include <cmath>
 #include <cstring>
@@ -17,16 +19,6 @@ using jet::IndexKeyColumn;
 using jet::IndexKeyValue;
 using jet::Version;
 using Bytes = std::vector<uint8_t>;
-
-Bytes hex(const char* s) {
-    Bytes out;
-    for (const char* p = s; *p;) {
-        if (*p == ' ') { ++p; continue; }
-        out.push_back(uint8_t(std::stoi(std::string(p, 2), nullptr, 16)));
-        p += 2;
-    }
-    return out;
-}
 
 IndexKeyColumn column(ColumnType type, bool ascending = true, Version v = Version::Jet4) {
     IndexKeyColumn c;

@@ -2,6 +2,8 @@
 // trimming rules, and the refusal of characters whose sort codes are unknown.
 #include <gtest/gtest.h>
 
+#include "IndexHex.h"
+
 #include "jet/IndexKey.h"
 #include "jet/IndexTextCodes.h"
 #include "jet/IndexTextKey.h"
@@ -9,16 +11,6 @@
 namespace {
 
 using Bytes = std::vector<uint8_t>;
-
-Bytes hex(const char* s) {
-    Bytes out;
-    for (const char* p = s; *p;) {
-        if (*p == ' ') { ++p; continue; }
-        out.push_back(uint8_t(std::stoi(std::string(p, 2), nullptr, 16)));
-        p += 2;
-    }
-    return out;
-}
 
 Bytes jet4(std::u16string_view text, bool asc = true) {
     Bytes out;

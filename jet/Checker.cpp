@@ -7,6 +7,7 @@
 
 #include "Bytes.h"
 #include "Database.h"
+#include "IndexCheck.h"
 #include "LongValue.h"
 #include "Table.h"
 #include "UsageMap.h"
@@ -274,6 +275,7 @@ void Walk::checkTable(const CatalogEntry& e) {
     }
     Table table(db_, def, e.name);
     checkRows(table, where);
+    for (const std::string& problem : checkTableIndexes(table).problems) r_.add(where, problem);
 }
 
 void Walk::checkCatalogue() {

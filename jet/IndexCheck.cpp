@@ -175,7 +175,14 @@ private:
 IndexCheckResult checkTableIndexes(const Table& table) {
     IndexCheckResult result;
     IndexChecker checker(table, result);
-    for (const PhysicalIndex& x : table.def().physicalIndexes()) checker.check(x);
+    for (const PhysicalIndex& x : table.def().physicalIndexes()) {
+        try {
+            checker.check(x);
+        } catch (const RuntimeError& e) {
+            // The table's rows cannot even be listed: that is reported with the table.
+            result.problems.push_back(indexName(table.def(), x) + ": cannot be checked: " + e.description());
+        }
+    }
     return result;
 }
 

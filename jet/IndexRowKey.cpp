@@ -1,6 +1,7 @@
 #include "IndexRowKey.h"
 
 #include "Database.h"
+#include "LongValue.h"
 #include "TextCodec.h"
 
 namespace jet {
@@ -33,8 +34,7 @@ IndexKey IndexRowKey::keyOf(const RowReader& row) const {
     std::vector<IndexKeyValue> values(columns_.size());
     std::vector<std::u16string> texts(columns_.size());      // Jet 4 text, decoded
     std::vector<std::vector<uint8_t>> longs(columns_.size());  // memo values read from their pages
-    size_t known = columns_.size();
-    for (size_t i = 0; i < columns_.size() && known == columns_.size(); ++i) {
+    for (size_t i = 0; i < columns_.size(); ++i) {
         const Column& c = *columns_[i];
         const ColumnBytes cb = row.column(c);
         if (c.type() == ColumnType::Bool) {
@@ -44,11 +44,7 @@ IndexKey IndexRowKey::keyOf(const RowReader& row) const {
         if (!cb.present) continue;  // null
         std::span<const uint8_t> bytes = cb.bytes;
         if (c.type() == ColumnType::Memo) {
-            if (!longValue_) {
-                known = i;
-                break;
-            }
-            longs[i] = longValue_(bytes);
+            longs[i] = readLongValue(db_, bytes);
             bytes = longs[i];
         }
         if (c.isText() && db_.version() == Version::Jet4) {
@@ -58,12 +54,7 @@ IndexKey IndexRowKey::keyOf(const RowReader& row) const {
             values[i] = IndexKeyValue::fromStored(bytes);
         }
     }
-    if (known == columns_.size()) return buildIndexKey(keyColumns_, values);
-    // Only the columns before the unreadable memo value are known.
-    IndexKey key = buildIndexKey(std::span(keyColumns_).first(known), std::span(values).first(known));
-    key.allNull = false;
-    if (key.exact()) key.problem = "the memo value of column '" + columns_[known]->name + "' is not available for its key";
-    return key;
+    return buildIndexKey(keyColumns_, values);
 }
 
 }  // namespace jet

@@ -4,7 +4,6 @@
 // and their values taken from a stored row. Reading and writing share it, so the entries
 // the writer adds are exactly the ones the integrity checker expects.
 
-#include <functional>
 #include <span>
 #include <string>
 #include <vector>
@@ -19,9 +18,6 @@ class Database;
 
 class IndexRowKey {
 public:
-    // The whole value of a long-value (memo) field as stored in a row.
-    using LongValueReader = std::function<std::vector<uint8_t>(std::span<const uint8_t> field)>;
-
     IndexRowKey(const Database& db, const TableDef& def, const PhysicalIndex& index);
 
     // Why the index cannot be keyed at all (a column it names does not exist); empty if it can.
@@ -33,12 +29,11 @@ public:
     bool ignoresNulls() const { return index_.flags & index_flag::IgnoreNulls; }
     bool required() const { return index_.flags & index_flag::Required; }
 
-    // The row's key. Throws CorruptError when a value cannot be read from the row.
+    // The row's key (memo values are read from their long-value pages). Throws
+    // CorruptError when a value cannot be read.
     IndexKey keyOf(const RowReader& row) const;
     // The key every all-null row has; empty when no row can be all null (a Yes/No column).
     const std::vector<uint8_t>& allNullKey() const { return allNullKey_; }
-
-    void setLongValueReader(LongValueReader reader) { longValue_ = std::move(reader); }
 
 private:
     const Database& db_;
@@ -47,7 +42,6 @@ private:
     std::vector<IndexKeyColumn> keyColumns_;
     std::vector<uint8_t> allNullKey_;
     std::string layoutProblem_;
-    LongValueReader longValue_;
 };
 
 }  // namespace jet

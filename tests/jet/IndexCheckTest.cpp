@@ -9,6 +9,7 @@
 
 #include "MemoryFile.h"
 #include "jet/Bytes.h"
+#include "jet/Checker.h"
 #include "jet/Database.h"
 #include "jet/IndexCheck.h"
 #include "jet/IndexPagerReader.h"
@@ -96,6 +97,13 @@ TEST(IndexCheck, ARowChangedBehindTheIndexesBackIsReported) {
     EXPECT_NE(std::string::npos, all.find("'PrimaryKey': the row at " + where + " has no entry with its key")) << all;
     EXPECT_NE(std::string::npos, all.find("'PrimaryKey': the entry for " + where + " differs")) << all;
     EXPECT_EQ(std::string::npos, all.find("DataIndex")) << "the other index still matches";
+
+    // The whole-file checker reports it under the table.
+    jet::CheckReport report = jet::check(*db);
+    const bool found = std::any_of(report.issues.begin(), report.issues.end(), [](const jet::CheckIssue& i) {
+        return i.where == "table 'Table1'" && i.problem.find("'PrimaryKey'") != std::string::npos;
+    });
+    EXPECT_TRUE(found);
 }
 
 TEST(IndexCheck, EntriesOfADeletedRowAreReported) {

@@ -2,13 +2,12 @@
 // index depends on, that the unsigned byte order of keys is the order of the values.
 #include <gtest/gtest.h>
 
-#include "IndexHex.h"
-
 #include <algorithm>
 #include <cmath>
 #include <cstring>
 #include <random>
 
+#include "IndexHex.h"
 #include "jet/Bytes.h"
 #include "jet/IndexKey.h"
 

@@ -3,7 +3,6 @@
 #include <gtest/gtest.h>
 
 #include "IndexHex.h"
-
 #include "jet/IndexKey.h"
 #include "jet/IndexTextCodes.h"
 #include "jet/IndexTextKey.h"

@@ -57,4 +57,10 @@ IndexKey IndexRowKey::keyOf(const RowReader& row) const {
     return buildIndexKey(keyColumns_, values);
 }
 
+bool IndexRowKey::hasNull(const RowReader& row) const {
+    for (const Column* c : columns_)
+        if (c->type() != ColumnType::Bool && !row.column(*c).present) return true;
+    return false;
+}
+
 }  // namespace jet

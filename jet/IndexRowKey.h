@@ -32,6 +32,8 @@ public:
     // The row's key (memo values are read from their long-value pages). Throws
     // CorruptError when a value cannot be read.
     IndexKey keyOf(const RowReader& row) const;
+    // True when a key column other than a Yes/No one is null in the row.
+    bool hasNull(const RowReader& row) const;
     // The key every all-null row has; empty when no row can be all null (a Yes/No column).
     const std::vector<uint8_t>& allNullKey() const { return allNullKey_; }
 

@@ -104,6 +104,13 @@ std::vector<IndexRowPointer> IndexTree::rowsWithKey(std::span<const uint8_t> key
     return rows;
 }
 
+std::optional<IndexRowPointer> IndexTree::otherRowWithKey(std::span<const uint8_t> key, IndexRowPointer except) const {
+    IndexCursor c = cursor();
+    for (c.seek(key); c.valid() && compareIndexBytes(c.key(), key) == 0; c.next())
+        if (c.row() != except) return c.row();
+    return std::nullopt;
+}
+
 bool IndexTree::contains(std::span<const uint8_t> key, IndexRowPointer row) const {
     const auto e = makeIndexEntry(key, row);
     IndexCursor c = cursor();

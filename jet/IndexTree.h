@@ -13,6 +13,7 @@
 // A damaged tree is reported as CorruptError, never followed into a loop.
 
 #include <cstdint>
+#include <optional>
 #include <span>
 #include <vector>
 
@@ -84,6 +85,8 @@ public:
     // The rows whose entries carry this key, in index order.
     std::vector<IndexRowPointer> rowsWithKey(std::span<const uint8_t> key) const;
     bool contains(std::span<const uint8_t> key, IndexRowPointer row) const;
+    // A row other than `except` whose entry carries this key (uniqueness checks of updates).
+    std::optional<IndexRowPointer> otherRowWithKey(std::span<const uint8_t> key, IndexRowPointer except) const;
     // All leaf entries in order.
     std::vector<std::vector<uint8_t>> entries() const;
 

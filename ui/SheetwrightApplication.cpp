@@ -1,0 +1,21 @@
+#include "ui/SheetwrightApplication.h"
+
+#include "ui/TopLevelHandler.h"
+#include "ui/UiServices.h"
+
+namespace ui {
+
+SheetwrightApplication::SheetwrightApplication(int& argc, char** argv) : QApplication(argc, argv)
+{
+    setApplicationName(programTitle());
+    setApplicationDisplayName(programTitle());
+}
+
+bool SheetwrightApplication::notify(QObject* receiver, QEvent* event)
+{
+    bool handled = false;
+    runHandled([&] { handled = QApplication::notify(receiver, event); });
+    return handled;
+}
+
+}  // namespace ui

@@ -1,0 +1,54 @@
+#include "ui/TopLevelHandler.h"
+
+#include <cstdio>
+#include <new>
+
+#include "host/VbError.h"
+#include "ui/UiServices.h"
+
+namespace ui {
+
+QString runTimeErrorText(const jet::RuntimeError& error)
+{
+    QString number = QString::number(error.number());
+    if (error.number() < 0)
+        number += QStringLiteral(" (%1)").arg(static_cast<uint32_t>(error.number()), 8, 16, QChar(u'0')).toUpper();
+    return QStringLiteral("Run-time error '%1':\n\n%2").arg(number, host::descriptionOf(error));
+}
+
+void showRunTimeError(UiServices& services, const jet::RuntimeError& error)
+{
+    services.messageBox(runTimeErrorText(error), vbOKOnly | vbCritical, programTitle());
+}
+
+namespace {
+
+void report(const jet::RuntimeError& error)
+{
+    try {
+        showRunTimeError(UiServices::current(), error);
+    } catch (...) {
+        // No way to ask the user (no UI installed, or the box itself failed): the error
+        // must still not pass unseen.
+        std::fprintf(stderr, "%s\n", runTimeErrorText(error).toLocal8Bit().constData());
+    }
+}
+
+}  // namespace
+
+bool runHandled(const std::function<void()>& handler)
+{
+    try {
+        handler();
+        return true;
+    } catch (const jet::RuntimeError& error) {
+        report(error);
+    } catch (const std::bad_alloc&) {
+        report(host::vbError(host::vberr::OutOfMemory));
+    } catch (const std::exception& e) {
+        report(host::vbError(host::vberr::InternalError, QStringLiteral("Internal error: %1").arg(QString::fromLocal8Bit(e.what()))));
+    }
+    return false;
+}
+
+}  // namespace ui

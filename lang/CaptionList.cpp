@@ -1,0 +1,35 @@
+#include "lang/CaptionList.h"
+
+#include "host/VbError.h"
+
+namespace lang {
+
+void CaptionList::Add(const QString& text, const QString& key)
+{
+    if (!key.isEmpty()) {
+        const QString folded = key.toCaseFolded();
+        if (keys_.contains(folded))
+            throw host::vbError(host::vberr::DuplicateKey);
+        keys_.insert(folded);
+    }
+    entries_.push_back(Entry{text, key});
+}
+
+const CaptionList::Entry& CaptionList::at(int32_t index) const
+{
+    if (index < 1 || index > Count())
+        throw host::vbError(host::vberr::SubscriptOutOfRange);
+    return entries_[static_cast<size_t>(index - 1)];
+}
+
+QString CaptionList::Item(int32_t index) const
+{
+    return at(index).text;
+}
+
+QString CaptionList::Key(int32_t index) const
+{
+    return at(index).key;
+}
+
+}  // namespace lang

@@ -1,0 +1,22 @@
+#include "lang/ClassIDGenerator.h"
+
+#include <limits>
+
+#include "host/VbError.h"
+
+namespace lang {
+
+int32_t ClassIDGenerator::next()
+{
+    if (last_ == std::numeric_limits<int32_t>::max())
+        throw host::vbError(host::vberr::Overflow);
+    return ++last_;
+}
+
+ClassIDGenerator& ClassIDGenerator::shared()
+{
+    static ClassIDGenerator generator;
+    return generator;
+}
+
+}  // namespace lang

@@ -1,0 +1,90 @@
+#include "app/ModMain.h"
+
+#include "host/CreatedOnFirstUse.h"
+#include "host/Registry.h"
+#include "host/RegistryKeys.h"
+#include "host/VbConvert.h"
+#include "lang/LangApp.h"
+#include "lang/LanguageTableLoader.h"
+#include "ui/TopLevelHandler.h"
+#include "ui/UiServices.h"
+
+namespace app {
+
+QString gTableSeparator;
+QString gMainSeparator;
+int32_t gTypeNum = 0;
+bool gUseLogin = false;
+float gWinX = 0;
+float gWinY = 0;
+QString gLoginUser;
+QString gLoginPassword;
+bool gLoginAccepted = false;
+bool gRenameField = false;
+bool gFieldAdded = false;
+QString gLastResult;
+
+namespace {
+
+// The registry needs its folder at creation, so it cannot use CreatedOnFirstUse's
+// default construction.
+std::unique_ptr<host::Registry> gRegistryObject;
+host::CreatedOnFirstUse<lang::LangApp> gLangObject;
+
+}  // namespace
+
+host::Registry& gRegistry()
+{
+    if (!gRegistryObject)
+        gRegistryObject = std::make_unique<host::Registry>(host::Registry::defaultFolder());
+    return *gRegistryObject;
+}
+
+lang::LangApp& gLang()
+{
+    return gLangObject.get();
+}
+
+void resetModuleGlobals()
+{
+    gTableSeparator.clear();
+    gMainSeparator.clear();
+    gTypeNum = 0;
+    gUseLogin = false;
+    gWinX = 0;
+    gWinY = 0;
+    gLoginUser.clear();
+    gLoginPassword.clear();
+    gLoginAccepted = false;
+    gRenameField = false;
+    gFieldAdded = false;
+    gLastResult.clear();
+    gRegistryObject.reset();
+    gLangObject.reset();
+}
+
+bool LoadLanguageTable(const QString& fileName)
+{
+    return lang::LanguageTableLoader(gLang(), gRegistry(), ui::UiServices::current()).load(fileName);
+}
+
+void Main(const std::function<void()>& showMainForm)
+{
+    using host::HKEY_CURRENT_USER;
+    namespace keys = host::keys;
+    host::Registry& registry = gRegistry();
+
+    const QString languageFile = registry.read(HKEY_CURRENT_USER, keys::Languages, keys::LanguageFile);
+    // A missing value gives code 0, so the separator is then the NUL character.
+    gTableSeparator = host::Chr(host::CLng(host::Val(registry.read(HKEY_CURRENT_USER, keys::Pro, keys::TableSeparator))));
+    gTypeNum = host::CLng(host::Val(registry.read(HKEY_CURRENT_USER, keys::Pro, keys::TypeNum)));
+    gUseLogin = host::CInt(host::Val(registry.read(HKEY_CURRENT_USER, keys::Plugin, keys::UseLogin))) != 0;
+    gWinX = host::CSng(host::Val(registry.read(HKEY_CURRENT_USER, keys::Plugin, keys::WinX)));
+    gWinY = host::CSng(host::Val(registry.read(HKEY_CURRENT_USER, keys::Plugin, keys::WinY)));
+
+    ui::runHandled([&] { LoadLanguageTable(languageFile); });
+
+    showMainForm();
+}
+
+}  // namespace app

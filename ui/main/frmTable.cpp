@@ -1,0 +1,24 @@
+#include "ui/main/frmTable.h"
+
+#include "app/ModMain.h"
+#include "lang/LangApp.h"
+#include "ui/Twips.h"
+
+namespace ui {
+
+frmTable::frmTable(QWidget* parent) : QMainWindow(parent)
+{
+    setObjectName(QStringLiteral("frmTable"));
+    Form_Load();
+}
+
+void frmTable::Form_Load()
+{
+    // A language table that failed to load leaves Common empty; the window still opens.
+    const lang::CaptionList& common = app::gLang().Table().Common();
+    setWindowTitle(common.Count() >= 1 ? common.Item(1) : QString());
+    if (app::gWinX > 0 && app::gWinY > 0)
+        resize(twipsToPixels(app::gWinX, logicalDpiX()), twipsToPixels(app::gWinY, logicalDpiY()));
+}
+
+}  // namespace ui

@@ -1,0 +1,29 @@
+// The program: installs the Qt boxes and dialogs, runs Main under the top-level handler
+// and lives in the event loop until the last window closes.
+
+#include <memory>
+
+#include "app/ModMain.h"
+#include "ui/QtUiServices.h"
+#include "ui/SheetwrightApplication.h"
+#include "ui/TopLevelHandler.h"
+#include "ui/main/frmTable.h"
+
+int main(int argc, char** argv)
+{
+    ui::SheetwrightApplication application(argc, argv);
+    ui::QtUiServices services;
+    ui::UiServices::install(&services);
+
+    std::unique_ptr<ui::frmTable> mainForm;
+    // An error before the window is shown ends the program after the run-time error box.
+    const bool started = ui::runHandled([&] {
+        app::Main([&] {
+            mainForm = std::make_unique<ui::frmTable>();
+            mainForm->show();
+        });
+    });
+    if (!started)
+        return 1;
+    return application.exec();
+}

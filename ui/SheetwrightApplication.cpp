@@ -7,8 +7,9 @@ namespace ui {
 
 SheetwrightApplication::SheetwrightApplication(int& argc, char** argv) : QApplication(argc, argv)
 {
+    // No display name: Qt would append it to every window caption, and the captions are
+    // the language table's.
     setApplicationName(programTitle());
-    setApplicationDisplayName(programTitle());
 }
 
 bool SheetwrightApplication::notify(QObject* receiver, QEvent* event)

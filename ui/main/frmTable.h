@@ -1,7 +1,7 @@
 #pragma once
 // The program's main window. For now it takes its caption from the language table
-// (Common item 1) and its size from the settings; the tree, grids, menus and toolbar
-// join it with the main-window work.
+// (Common item 1), its size from the settings and opens centred; the tree, grids, menus
+// and toolbar join it with the main-window work.
 
 #include <QMainWindow>
 

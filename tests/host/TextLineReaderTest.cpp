@@ -1,5 +1,7 @@
 #include <gtest/gtest.h>
 
+#include "../support/RunTimeErrorOf.h"
+
 #include <QBuffer>
 #include <QFile>
 #include <QTemporaryDir>
@@ -27,16 +29,6 @@ QStringList allLines(TextLineReader& in)
     return lines;
 }
 
-int32_t errorOf(const std::function<void()>& f)
-{
-    try {
-        f();
-    } catch (const jet::RuntimeError& e) {
-        return e.number();
-    }
-    return 0;
-}
-
 }  // namespace
 
 TEST(TextLineReader, LinesEndAtCrLfOrALoneCrButNotAtALoneLf)
@@ -50,8 +42,8 @@ TEST(TextLineReader, ReadingPastTheLastLineIsError62)
     auto in = readerOf("only\r\n");
     EXPECT_EQ(in->readLine(), "only");
     EXPECT_TRUE(in->atEnd());
-    EXPECT_EQ(errorOf([&] { in->readLine(); }), 62);
-    EXPECT_EQ(errorOf([&] { readerOf("")->readLine(); }), 62);
+    EXPECT_EQ(runTimeErrorOf([&] { in->readLine(); }), 62);
+    EXPECT_EQ(runTimeErrorOf([&] { readerOf("")->readLine(); }), 62);
 }
 
 TEST(TextLineReader, DecodesWindows1251)
@@ -72,16 +64,16 @@ TEST(TextLineReader, LinesLongerThanTheLimitAreError7)
 {
     const QByteArray longest(TextLineReader::kMaxLineLength, 'x');
     EXPECT_EQ(readerOf(longest + "\r\n")->readLine().size(), TextLineReader::kMaxLineLength);
-    EXPECT_EQ(errorOf([&] { readerOf(longest + "x\r\n")->readLine(); }), 7);
-    EXPECT_EQ(errorOf([&] { readerOf(longest + longest)->readLine(); }), 7);
+    EXPECT_EQ(runTimeErrorOf([&] { readerOf(longest + "x\r\n")->readLine(); }), 7);
+    EXPECT_EQ(runTimeErrorOf([&] { readerOf(longest + longest)->readLine(); }), 7);
 }
 
 TEST(TextLineReader, OpeningFailuresAreTheRunTimesFileErrors)
 {
     QTemporaryDir dir;
-    EXPECT_EQ(errorOf([&] { TextLineReader::openFile(dir.path() + "/missing.lng"); }), 53);
-    EXPECT_EQ(errorOf([&] { TextLineReader::openFile(dir.path() + "/no/folder.lng"); }), 76);
-    EXPECT_EQ(errorOf([&] { TextLineReader::openFile(dir.path()); }), 75);
+    EXPECT_EQ(runTimeErrorOf([&] { TextLineReader::openFile(dir.path() + "/missing.lng"); }), 53);
+    EXPECT_EQ(runTimeErrorOf([&] { TextLineReader::openFile(dir.path() + "/no/folder.lng"); }), 76);
+    EXPECT_EQ(runTimeErrorOf([&] { TextLineReader::openFile(dir.path()); }), 75);
     QFile file(dir.path() + "/table.lng");
     ASSERT_TRUE(file.open(QIODevice::WriteOnly));
     file.write("a\r\nb");

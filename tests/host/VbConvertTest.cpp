@@ -1,23 +1,11 @@
 #include <gtest/gtest.h>
 
+#include "../support/RunTimeErrorOf.h"
+
 #include "host/VbConvert.h"
 #include "host/VbError.h"
 
 using namespace host;
-
-namespace {
-
-int32_t errorOf(const std::function<void()>& f)
-{
-    try {
-        f();
-    } catch (const jet::RuntimeError& e) {
-        return e.number();
-    }
-    return 0;
-}
-
-}  // namespace
 
 TEST(Val, ReadsTheLeadingNumberAndIgnoresTheRest)
 {
@@ -55,8 +43,8 @@ TEST(Val, ReadsExponentsWithEOrD)
     EXPECT_DOUBLE_EQ(Val("1e"), 1);
     EXPECT_DOUBLE_EQ(Val("1e+"), 1);
     EXPECT_EQ(Val("1e-400"), 0);
-    EXPECT_EQ(errorOf([] { Val("1e400"); }), 6);
-    EXPECT_EQ(errorOf([] { Val(QString(400, u'9')); }), 6);
+    EXPECT_EQ(runTimeErrorOf([] { Val("1e400"); }), 6);
+    EXPECT_EQ(runTimeErrorOf([] { Val(QString(400, u'9')); }), 6);
 }
 
 TEST(Val, ReadsHexadecimalAndOctalAsIntegerOrLong)
@@ -71,7 +59,7 @@ TEST(Val, ReadsHexadecimalAndOctalAsIntegerOrLong)
     EXPECT_EQ(Val("&17"), 15);
     EXPECT_EQ(Val("&H"), 0);
     EXPECT_EQ(Val("&HG"), 0);
-    EXPECT_EQ(errorOf([] { Val("&H100000000"); }), 6);
+    EXPECT_EQ(runTimeErrorOf([] { Val("&H100000000"); }), 6);
 }
 
 TEST(Conversions, RoundHalvesToEven)
@@ -92,13 +80,13 @@ TEST(Conversions, OverflowOutsideTheTypesRange)
 {
     EXPECT_EQ(CLng(2147483647.4), 2147483647);
     EXPECT_EQ(CLng(-2147483648.5), -2147483648);  // rounds to the even -2147483648
-    EXPECT_EQ(errorOf([] { CLng(2147483647.5); }), 6);
-    EXPECT_EQ(errorOf([] { CLng(std::nan("")); }), 6);
+    EXPECT_EQ(runTimeErrorOf([] { CLng(2147483647.5); }), 6);
+    EXPECT_EQ(runTimeErrorOf([] { CLng(std::nan("")); }), 6);
     EXPECT_EQ(CInt(32767.4), 32767);
-    EXPECT_EQ(errorOf([] { CInt(32767.5); }), 6);
-    EXPECT_EQ(errorOf([] { CInt(-32769); }), 6);
+    EXPECT_EQ(runTimeErrorOf([] { CInt(32767.5); }), 6);
+    EXPECT_EQ(runTimeErrorOf([] { CInt(-32769); }), 6);
     EXPECT_FLOAT_EQ(CSng(12000), 12000.0f);
-    EXPECT_EQ(errorOf([] { CSng(1e39); }), 6);
+    EXPECT_EQ(runTimeErrorOf([] { CSng(1e39); }), 6);
 }
 
 TEST(Conversions, ChrAndAscUseTheAnsiCodePage)
@@ -107,11 +95,11 @@ TEST(Conversions, ChrAndAscUseTheAnsiCodePage)
     EXPECT_EQ(Chr(9), "\t");
     EXPECT_EQ(Chr(0), QString(QChar(0)));
     EXPECT_EQ(Chr(0xC0), QString::fromUtf8("А"));  // Windows-1251
-    EXPECT_EQ(errorOf([] { Chr(256); }), 5);
-    EXPECT_EQ(errorOf([] { Chr(-1); }), 5);
+    EXPECT_EQ(runTimeErrorOf([] { Chr(256); }), 5);
+    EXPECT_EQ(runTimeErrorOf([] { Chr(-1); }), 5);
     EXPECT_EQ(Asc(";;"), 59);
     EXPECT_EQ(Asc(QString::fromUtf8("я")), 0xFF);
     EXPECT_EQ(Asc(QString::fromUtf8("€")), 0x88);
     EXPECT_EQ(Asc(QString::fromUtf8("中")), '?');
-    EXPECT_EQ(errorOf([] { Asc(""); }), 5);
+    EXPECT_EQ(runTimeErrorOf([] { Asc(""); }), 5);
 }

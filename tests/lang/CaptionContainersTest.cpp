@@ -1,5 +1,7 @@
 #include <gtest/gtest.h>
 
+#include "../support/RunTimeErrorOf.h"
+
 #include "jet/RuntimeError.h"
 
 #include "lang/CaptionList.h"
@@ -7,20 +9,6 @@
 #include "lang/ToolbarCaptions.h"
 
 using namespace lang;
-
-namespace {
-
-int32_t errorOf(const std::function<void()>& f)
-{
-    try {
-        f();
-    } catch (const jet::RuntimeError& e) {
-        return e.number();
-    }
-    return 0;
-}
-
-}  // namespace
 
 TEST(CaptionList, ItemsCountFromOneInTheOrderAdded)
 {
@@ -33,8 +21,8 @@ TEST(CaptionList, ItemsCountFromOneInTheOrderAdded)
     EXPECT_EQ(list.Item(3), "third");
     EXPECT_EQ(list.Key(1), QString());
     EXPECT_EQ(list.Key(2), "Key2");
-    EXPECT_EQ(errorOf([&] { list.Item(0); }), 9);
-    EXPECT_EQ(errorOf([&] { list.Key(4); }), 9);
+    EXPECT_EQ(runTimeErrorOf([&] { list.Item(0); }), 9);
+    EXPECT_EQ(runTimeErrorOf([&] { list.Key(4); }), 9);
 }
 
 TEST(CaptionList, AKeyMayBeUsedOnceButUnkeyedItemsRepeat)
@@ -43,7 +31,7 @@ TEST(CaptionList, AKeyMayBeUsedOnceButUnkeyedItemsRepeat)
     list.Add("a");
     list.Add("a");
     list.Add("b", "Scan");
-    EXPECT_EQ(errorOf([&] { list.Add("c", "SCAN"); }), 457);
+    EXPECT_EQ(runTimeErrorOf([&] { list.Add("c", "SCAN"); }), 457);
     EXPECT_EQ(list.Count(), 3);
 }
 
@@ -55,8 +43,8 @@ TEST(MenuCaptions, KeyedByMenuItemInTableOrder)
     EXPECT_EQ(menu.Count(), 2);
     EXPECT_EQ(menu.Key(2), "0,1");
     EXPECT_EQ(menu.Item(2), "&Open");
-    EXPECT_EQ(errorOf([&] { menu.Add("again", "0,1"); }), 457);
-    EXPECT_EQ(errorOf([&] { menu.Item(3); }), 9);
+    EXPECT_EQ(runTimeErrorOf([&] { menu.Add("again", "0,1"); }), 457);
+    EXPECT_EQ(runTimeErrorOf([&] { menu.Item(3); }), 9);
 }
 
 TEST(ToolbarCaptions, FixedSizeTableAddressedByPositionWithAnEmptySlotZero)
@@ -72,13 +60,13 @@ TEST(ToolbarCaptions, FixedSizeTableAddressedByPositionWithAnEmptySlotZero)
     EXPECT_EQ(toolbar.Key(14), "Stat");
     EXPECT_EQ(toolbar.Item(1), "New database");
     EXPECT_EQ(toolbar.Key(7), QString());
-    EXPECT_EQ(errorOf([&] { toolbar.SetItem("Extra", 15, "x"); }), 9);
-    EXPECT_EQ(errorOf([&] { toolbar.Item(-1); }), 9);
-    EXPECT_EQ(errorOf([&] { toolbar.SetItem("newdb", 2, "again"); }), 457);
+    EXPECT_EQ(runTimeErrorOf([&] { toolbar.SetItem("Extra", 15, "x"); }), 9);
+    EXPECT_EQ(runTimeErrorOf([&] { toolbar.Item(-1); }), 9);
+    EXPECT_EQ(runTimeErrorOf([&] { toolbar.SetItem("newdb", 2, "again"); }), 457);
     toolbar.SetItem("NewDB", 1, "replaced in place");
     EXPECT_EQ(toolbar.Item(1), "replaced in place");
     toolbar.SetSize(1);
     EXPECT_EQ(toolbar.Count(), 1);
     EXPECT_EQ(toolbar.Key(1), "NewDB");  // what still fits is kept
-    EXPECT_EQ(errorOf([&] { toolbar.SetSize(-1); }), 9);
+    EXPECT_EQ(runTimeErrorOf([&] { toolbar.SetSize(-1); }), 9);
 }

@@ -1,5 +1,7 @@
 #include <gtest/gtest.h>
 
+#include "../support/RunTimeErrorOf.h"
+
 #include <QStringList>
 
 #include "host/HostDiagnostics.h"
@@ -9,16 +11,6 @@
 using namespace lang;
 
 namespace {
-
-int32_t errorOf(const std::function<void()>& f)
-{
-    try {
-        f();
-    } catch (const jet::RuntimeError& e) {
-        return e.number();
-    }
-    return 0;
-}
 
 QString token(const QString& text, int16_t start, const QString& delimiter, bool drop, int16_t count = 0,
               bool dropTrailing = false, int16_t* after = nullptr)
@@ -67,15 +59,15 @@ TEST(GetToken, AtEndIsSetWhenThePositionReachesTheLength)
 
 TEST(GetToken, EmptyTextOrPositionOutsideIsError9)
 {
-    EXPECT_EQ(errorOf([] { token("", 1, "=", true); }), 9);
-    EXPECT_EQ(errorOf([] { token("abc", 4, "=", true); }), 9);
-    EXPECT_EQ(errorOf([] { token("abc", 0, "=", true); }), 9);
+    EXPECT_EQ(runTimeErrorOf([] { token("", 1, "=", true); }), 9);
+    EXPECT_EQ(runTimeErrorOf([] { token("abc", 4, "=", true); }), 9);
+    EXPECT_EQ(runTimeErrorOf([] { token("abc", 0, "=", true); }), 9);
 }
 
 TEST(GetToken, APositionBeyond32767IsOverflow)
 {
-    EXPECT_EQ(errorOf([] { token(QString(40000, u'x'), 1, "=", true); }), 6);
-    EXPECT_EQ(errorOf([] { token(QString(32767, u'x'), 1, "=", true); }), 6);  // the position after it
+    EXPECT_EQ(runTimeErrorOf([] { token(QString(40000, u'x'), 1, "=", true); }), 6);
+    EXPECT_EQ(runTimeErrorOf([] { token(QString(32767, u'x'), 1, "=", true); }), 6);  // the position after it
     EXPECT_EQ(token(QString(32766, u'x'), 1, "=", true).size(), 32766);
     // A delimiter early in a long line stops the scan in time.
     EXPECT_EQ(token("1=" + QString(40000, u'x'), 1, "=", true), "1");
@@ -98,7 +90,7 @@ TEST(PathHelpers, FileNameAndExtension)
     EXPECT_EQ(GetFileExtension("C:\\a\\b.tar.xml"), "xml");
     EXPECT_EQ(GetFileExtension("C:\\a\\README"), "README");
     EXPECT_EQ(GetFileExtension("/t/table.TXT"), "TXT");
-    EXPECT_EQ(errorOf([] { GetFileExtension("C:\\a\\"); }), 9);
+    EXPECT_EQ(runTimeErrorOf([] { GetFileExtension("C:\\a\\"); }), 9);
 }
 
 TEST(ColorToHex, RedGreenBlueFromTheLowByteUp)

@@ -5,6 +5,7 @@
 
 #include "MemoryFile.h"
 #include "jet/Bytes.h"
+#include "jet/Header.h"
 #include "jet/Database.h"
 #include "jet/Table.h"
 #include "jet/TextCodec.h"
@@ -129,6 +130,24 @@ TEST(Database, OverflowPointersIntoOtherTablesOrDeletedRowsAreDamage) {
     auto t = db->openTable("Table1");
     RowLocation moved = t->rowLocations()[2];
     EXPECT_THROW(t->rowBytes(moved), jet::CorruptError);
+}
+
+TEST(Database, EncodedDatabasesAreReadThroughTheirKey) {
+    // Encode every page after the header with RC4 keyed by (database key XOR page number).
+    auto bytes = readFileBytes(fixture("testV1997.mdb"));
+    const uint32_t key = 0x12345678;
+    for (uint32_t n = 1; n < bytes.size() / 2048; ++n) {
+        uint8_t k[4];
+        jet::putLe32(k, key ^ n);
+        jet::rc4Apply(k, 4, bytes.data() + size_t(n) * 2048, 2048);
+    }
+    jet::Header::applyMask(jet::Version::Jet3, bytes.data());
+    jet::putLe32(bytes.data() + 0x3E, key);
+    jet::Header::applyMask(jet::Version::Jet3, bytes.data());
+    auto db = openBytes(bytes);
+    EXPECT_EQ(key, db->header().databaseKey());
+    EXPECT_EQ(4u, db->catalog().userTables().size());
+    EXPECT_EQ(2u, db->openTable("Table1")->rowLocations().size());
 }
 
 }  // namespace

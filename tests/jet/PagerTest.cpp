@@ -7,6 +7,7 @@
 #include "jet/Journal.h"
 #include "jet/Pager.h"
 #include "testkit/FaultInjectionEnv.h"
+#include "testkit/PageWorkload.h"
 #include "testkit/PlainDatabase.h"
 #include "testkit/TempDir.h"
 
@@ -203,6 +204,48 @@ TEST_F(PagerTransaction, CreateReplacesAnUnusedFileAndDropsItsOldJournal) {
 TEST_F(PagerTransaction, AFileThatIsNoDatabaseIsRefusedByTheProbe) {
     writeAll(path, std::string(4096, 'x'));
     EXPECT_THROW(openPlain(Env::posix(), path), jet::RuntimeError);
+}
+
+class PagerWorkload : public ::testing::Test {
+protected:
+    std::unique_ptr<Pager> open(OpenMode mode) { return Pager::open(Env::posix(), path, mode, PageWorkload::probe); }
+    TempDir dir;
+    std::string path = dir.file("pages.db");
+    PageWorkload workload{12, 8, 60};
+};
+
+TEST_F(PagerWorkload, ManyTransactionsInOnePagerLandExactlyAsReplayed) {
+    workload.create(Env::posix(), path, 40);
+    auto pager = open(OpenMode::ReadOnly);
+    EXPECT_EQ(40u, workload.check(*pager));
+    EXPECT_GT(pager->pageCount(), 12u) << "the workload appended pages";
+}
+
+TEST_F(PagerWorkload, TheCheckRejectsAFileThatHoldsNoCommittedState) {
+    workload.create(Env::posix(), path, 5);
+    const std::string committed = readAll(path);
+    auto checkFails = [&](const std::string& bytes, const char* what) {
+        writeAll(path, bytes);
+        EXPECT_THROW(workload.check(*open(OpenMode::ReadOnly)), std::runtime_error) << what;
+    };
+    std::string flipped = committed;
+    flipped[7 * PageWorkload::pageSize + 100] ^= 1;
+    checkFails(flipped, "one flipped bit");
+    checkFails(committed.substr(0, committed.size() - PageWorkload::pageSize), "a lost page");
+    checkFails(committed + std::string(PageWorkload::pageSize, '\0'), "an extra page");
+    // Page 0 of the state after 6 with everything else after 5: a mix of two states.
+    writeAll(path, committed);
+    std::string mixed = committed;
+    {
+        auto pager = open(OpenMode::ReadWrite);
+        pager->begin();
+        workload.change(*pager, 6);
+        mixed.replace(0, PageWorkload::pageSize, reinterpret_cast<const char*>(pager->read(0)), PageWorkload::pageSize);
+        pager->rollback();
+    }
+    checkFails(mixed, "page 0 of one state with the pages of another");
+    writeAll(path, committed);
+    EXPECT_EQ(5u, workload.check(*open(OpenMode::ReadOnly))) << "and the untouched file still passes";
 }
 
 }  // namespace

@@ -22,8 +22,8 @@ uint64_t splitmix(uint64_t& state) {
 
 }  // namespace
 
-PageWorkload::PageWorkload(uint32_t initialPages, uint32_t maxTouched, uint32_t maxPages)
-    : initialPages_(initialPages), maxTouched_(maxTouched), maxPages_(maxPages),
+PageWorkload::PageWorkload(uint32_t initialPages, uint32_t maxTouched, uint32_t maxPages, Env& env)
+    : env_(env), initialPages_(initialPages), maxTouched_(maxTouched), maxPages_(maxPages),
       lastWriter_(initialPages, 0) {}
 
 uint32_t PageWorkload::probe(std::span<const uint8_t> head) {
@@ -127,6 +127,27 @@ uint64_t PageWorkload::check(Pager& pager) {
                                      std::to_string(le64(pager.read(n))) + "'s)");
     }
     return k;
+}
+
+void PageWorkload::runTransactions(const std::string& path, uint64_t next,
+                                   const std::function<void(uint64_t)>& committed) {
+    auto pager = Pager::open(env_, path, OpenMode::ReadWrite, probe);
+    if (pager->readOnly()) throw std::runtime_error("'" + path + "' " + pager->readOnlyReason());
+    // Bounded, so that a child the parent forgot cannot run forever.
+    for (uint64_t k = next; k < next + 1000000; ++k) {
+        apply(*pager, k);
+        committed(k);
+    }
+}
+
+CommittedState PageWorkload::committedState(const std::string& path) {
+    // Alternate the modes: a reader must roll back a hot journal just as a writer does.
+    const OpenMode mode = ++opens_ % 2 ? OpenMode::ReadWrite : OpenMode::ReadOnly;
+    auto pager = Pager::open(env_, path, mode, probe);
+    CommittedState state;
+    state.transaction = check(*pager);
+    state.rolledBack = pager->recovery().outcome == JournalRecovery::Outcome::RolledBack;
+    return state;
 }
 
 }  // namespace jet::testkit

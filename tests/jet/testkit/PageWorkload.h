@@ -9,21 +9,22 @@
 
 #include <cstdint>
 #include <span>
-#include <stdexcept>
 #include <string>
 #include <vector>
 
+#include "CrashLoop.h"
 #include "jet/Pager.h"
 
 namespace jet::testkit {
 
-class PageWorkload final {
+class PageWorkload final : public CrashWorkload {
 public:
     static constexpr uint32_t pageSize = 2048;
 
     // Each transaction rewrites between maxTouched / 2 and maxTouched pages besides page 0;
-    // the file does not grow beyond maxPages.
-    explicit PageWorkload(uint32_t initialPages = 16, uint32_t maxTouched = 10, uint32_t maxPages = 160);
+    // the file does not grow beyond maxPages. The crash-loop side works through env.
+    explicit PageWorkload(uint32_t initialPages = 16, uint32_t maxTouched = 10, uint32_t maxPages = 160,
+                          Env& env = Env::posix());
 
     // The page size of a file this workload made, or an error when it is not one.
     static uint32_t probe(std::span<const uint8_t> head);
@@ -38,6 +39,10 @@ public:
     // difference when it shows none.
     uint64_t check(Pager& pager);
 
+    void runTransactions(const std::string& path, uint64_t next,
+                         const std::function<void(uint64_t)>& committed) override;
+    CommittedState committedState(const std::string& path) override;
+
 private:
     struct Plan {
         std::vector<uint32_t> touched;  // page 0 first
@@ -47,12 +52,14 @@ private:
     void fill(uint8_t* page, uint64_t k, uint32_t n) const;
     void advanceModelTo(uint64_t k);
 
+    Env& env_;
     uint32_t initialPages_;
     uint32_t maxTouched_;
     uint32_t maxPages_;
     // The expected state after modelK_: for every page, the transaction that wrote it last.
     uint64_t modelK_ = 0;
     std::vector<uint64_t> lastWriter_;
+    int opens_ = 0;
 };
 
 }  // namespace jet::testkit

@@ -44,7 +44,8 @@ int main(int argc, char** argv)
     defaults.databaseFolder = app::SetupDefaults::defaultDatabaseFolder();
 
     host::Registry registry(host::Registry::defaultFolder());
-    // The engine cannot create databases yet: the template maker joins here once it can.
+    // No template maker yet: the engine cannot create databases, so "empty97.mdb" is
+    // not made. Its database-creating call becomes HostSetup's third argument.
     app::HostSetup setup(registry, defaults);
     const bool ok = ui::runHandled([&] {
         const QStringList done = setup.run();

@@ -208,11 +208,4 @@ TEST(IndexKey, BinarySegmentsEndInTheirLength) {
     EXPECT_EQ(hex("7F 01 02 03 04 05 06 07 08 08"), keyOf(column(ColumnType::Binary), IndexKeyValue::fromStored(eight)));
 }
 
-TEST(IndexKey, LongestAcceptedKeyLeavesRoomForTwoNodeEntries) {
-    for (auto v : {Version::Jet3, Version::Jet4}) {
-        const auto& f = jet::Format::of(v);
-        EXPECT_LE(2 * (jet::maxIndexKeyLength(f) + 8), f.maxIndexEntryBytes);
-    }
-}
-
 }  // namespace

@@ -1,8 +1,8 @@
 #include "ui/TopLevelHandler.h"
 
 #include <cstdio>
-#include <new>
 
+#include "host/ErrorTrap.h"
 #include "host/VbError.h"
 #include "ui/UiServices.h"
 
@@ -38,17 +38,11 @@ void report(const jet::RuntimeError& error)
 
 bool runHandled(const std::function<void()>& handler)
 {
-    try {
-        handler();
-        return true;
-    } catch (const jet::RuntimeError& error) {
-        report(error);
-    } catch (const std::bad_alloc&) {
-        report(host::vbError(host::vberr::OutOfMemory));
-    } catch (const std::exception& e) {
-        report(host::vbError(host::vberr::InternalError, QStringLiteral("Internal error: %1").arg(QString::fromLocal8Bit(e.what()))));
+    if (const auto error = host::trapError(handler)) {
+        report(*error);
+        return false;
     }
-    return false;
+    return true;
 }
 
 }  // namespace ui

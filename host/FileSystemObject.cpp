@@ -1,0 +1,42 @@
+#include "host/FileSystemObject.h"
+
+#include <QDir>
+#include <QFile>
+#include <QFileInfo>
+#include <QSaveFile>
+
+#include "host/VbError.h"
+
+namespace host {
+
+namespace {
+
+constexpr int32_t FileAlreadyExists = 58;
+
+}  // namespace
+
+void CopyFile(const QString& source, const QString& target, bool overwrite)
+{
+    QFile in(source);
+    if (!QFileInfo(source).isFile())
+        throw vbError(vberr::FileNotFound, QStringLiteral("File not found: '%1'").arg(source));
+    if (!overwrite && QFileInfo::exists(target))
+        throw vbError(FileAlreadyExists, QStringLiteral("File already exists: '%1'").arg(target));
+    if (!QFileInfo(target).absoluteDir().exists())
+        throw vbError(vberr::PathNotFound, QStringLiteral("Path not found: '%1'").arg(target));
+    if (!in.open(QIODevice::ReadOnly))
+        throw vbError(vberr::PathFileAccessError, QStringLiteral("Cannot read '%1': %2").arg(source, in.errorString()));
+
+    QSaveFile out(target);
+    if (!out.open(QIODevice::WriteOnly))
+        throw vbError(vberr::PathFileAccessError, QStringLiteral("Cannot write '%1': %2").arg(target, out.errorString()));
+    QByteArray chunk;
+    while (!(chunk = in.read(1 << 16)).isEmpty())
+        if (out.write(chunk) != chunk.size())
+            break;
+    if (in.error() != QFileDevice::NoError || out.error() != QFileDevice::NoError || !out.commit())
+        throw vbError(vberr::PathFileAccessError, QStringLiteral("Cannot copy '%1' to '%2': %3")
+                                                      .arg(source, target, out.errorString()));
+}
+
+}  // namespace host

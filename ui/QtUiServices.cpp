@@ -8,6 +8,7 @@
 #include <QPushButton>
 
 #include "ui/FileFilter.h"
+#include "ui/ModalForm.h"
 
 namespace ui {
 
@@ -114,6 +115,11 @@ void QtUiServices::setClipboardText(const QString& text)
 QString QtUiServices::clipboardText()
 {
     return QGuiApplication::clipboard()->text();
+}
+
+void QtUiServices::showModalForm(const QString& formName, const QString& ownerName)
+{
+    createModalForm(formName)->showModal(ownerName);
 }
 
 }  // namespace ui

@@ -13,6 +13,7 @@ public:
     FileDialogResult saveFileDialog(const FileDialogRequest& request) override;
     void setClipboardText(const QString& text) override;
     QString clipboardText() override;
+    void showModalForm(const QString& formName, const QString& ownerName) override;
 };
 
 }  // namespace ui

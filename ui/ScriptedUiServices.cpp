@@ -2,6 +2,8 @@
 
 #include <algorithm>
 
+#include "ui/ModalForm.h"
+
 namespace ui {
 
 ScriptedUiServices& ScriptedUiServices::answerMessageBox(int32_t answer)
@@ -28,12 +30,46 @@ ScriptedUiServices& ScriptedUiServices::answerSaveFile(const QString& fileName, 
     return *this;
 }
 
-std::vector<RecordedBox> ScriptedUiServices::messageBoxes() const
+FormScript& FormScript::type(const QString& control, const QString& text)
+{
+    actions_.push_back(Action{Action::Kind::Type, control, text});
+    return *this;
+}
+
+FormScript& FormScript::click(const QString& control)
+{
+    actions_.push_back(Action{Action::Kind::Click, control, QString()});
+    return *this;
+}
+
+FormScript& FormScript::closeByFrame()
+{
+    actions_.push_back(Action{Action::Kind::CloseByFrame, QString(), QString()});
+    return *this;
+}
+
+ScriptedUiServices& ScriptedUiServices::answerForm(const QString& formName, FormScript script)
+{
+    formAnswers_[formName].push_back(std::move(script));
+    return *this;
+}
+
+std::vector<RecordedBox> ScriptedUiServices::boxesOfKind(RecordedBox::Kind kind) const
 {
     std::vector<RecordedBox> result;
     std::copy_if(boxes_.begin(), boxes_.end(), std::back_inserter(result),
-                 [](const RecordedBox& b) { return b.kind == RecordedBox::Kind::Message; });
+                 [kind](const RecordedBox& b) { return b.kind == kind; });
     return result;
+}
+
+std::vector<RecordedBox> ScriptedUiServices::messageBoxes() const
+{
+    return boxesOfKind(RecordedBox::Kind::Message);
+}
+
+std::vector<RecordedBox> ScriptedUiServices::forms() const
+{
+    return boxesOfKind(RecordedBox::Kind::Form);
 }
 
 int ScriptedUiServices::unscriptedCount() const
@@ -43,7 +79,10 @@ int ScriptedUiServices::unscriptedCount() const
 
 bool ScriptedUiServices::allAnswersUsed() const
 {
-    return messageAnswers_.empty() && inputAnswers_.empty() && openAnswers_.empty() && saveAnswers_.empty();
+    const bool formsUsed = std::all_of(formAnswers_.begin(), formAnswers_.end(),
+                                       [](const auto& entry) { return entry.second.empty(); });
+    return messageAnswers_.empty() && inputAnswers_.empty() && openAnswers_.empty() && saveAnswers_.empty() &&
+           formsUsed;
 }
 
 void ScriptedUiServices::clear()
@@ -52,6 +91,7 @@ void ScriptedUiServices::clear()
     inputAnswers_.clear();
     openAnswers_.clear();
     saveAnswers_.clear();
+    formAnswers_.clear();
     boxes_.clear();
 }
 
@@ -119,6 +159,39 @@ FileDialogResult ScriptedUiServices::openFileDialog(const FileDialogRequest& req
 FileDialogResult ScriptedUiServices::saveFileDialog(const FileDialogRequest& request)
 {
     return fileDialog(RecordedBox::Kind::SaveFile, saveAnswers_, request);
+}
+
+void ScriptedUiServices::showModalForm(const QString& formName, const QString& ownerName)
+{
+    RecordedBox box;
+    box.kind = RecordedBox::Kind::Form;
+    box.form = formName;
+    box.owner = ownerName;
+    FormScript script;
+    auto queue = formAnswers_.find(formName);
+    if (queue != formAnswers_.end() && !queue->second.empty()) {
+        script = std::move(queue->second.front());
+        queue->second.pop_front();
+    } else {
+        box.scripted = false;
+    }
+    // Recorded before the form runs, so that a box the form itself asks comes after it.
+    boxes_.push_back(box);
+    const size_t recorded = boxes_.size() - 1;
+
+    const std::unique_ptr<ModalForm> form = createModalForm(formName);
+    boxes_[recorded].title = form->caption();
+    for (const FormScript::Action& action : script.actions()) {
+        if (form->isClosed())
+            break;
+        switch (action.kind) {
+        case FormScript::Action::Kind::Type: form->setControlText(action.control, action.text); break;
+        case FormScript::Action::Kind::Click: form->clickControl(action.control); break;
+        case FormScript::Action::Kind::CloseByFrame: form->closeByFrame(); break;
+        }
+    }
+    if (!form->isClosed())
+        form->closeByFrame();
 }
 
 UiServicesScope::UiServicesScope(UiServices& services) : previous_(UiServices::installed())

@@ -12,19 +12,51 @@
 // A box with only an OK button needs no scripted answer. Any other box asked when its
 // queue is empty is answered as if the user cancelled (Cancel, No, "", no file) and is
 // counted in unscriptedCount(), so a test can tell that it did not expect it.
+//
+// Modal forms are answered by a script of user actions per form name, played on a real,
+// never shown, instance of the registered form (so its own handlers run):
+//
+//   fake.answerForm("frmLogin", ui::FormScript().type("txtLogin", "admin").click("cmdOK"));
+//
+// A form still open when its script has run out (or that had no script) is closed by its
+// frame button, as a user who walks away from it would; without a script it counts as
+// unscripted.
 
 #include <deque>
+#include <map>
 #include <vector>
 
 #include "ui/UiServices.h"
 
 namespace ui {
 
+// What a user does to a modal form, in order.
+class FormScript {
+public:
+    struct Action {
+        enum class Kind { Type, Click, CloseByFrame };
+        Kind kind;
+        QString control;
+        QString text;
+    };
+
+    FormScript& type(const QString& control, const QString& text);
+    FormScript& click(const QString& control);
+    FormScript& closeByFrame();
+
+    const std::vector<Action>& actions() const { return actions_; }
+
+private:
+    std::vector<Action> actions_;
+};
+
 struct RecordedBox {
-    enum class Kind { Message, Input, OpenFile, SaveFile };
+    enum class Kind { Message, Input, OpenFile, SaveFile, Form };
     Kind kind = Kind::Message;
     QString prompt;              // message and input boxes
-    QString title;               // every kind
+    QString title;               // every kind; a form's caption as it showed after loading
+    QString form;                // forms: the form's name
+    QString owner;               // forms: the name of the window that owns it
     int32_t style = vbOKOnly;    // message boxes
     QString defaultText;         // input boxes
     FileDialogRequest file;      // file dialogs
@@ -37,9 +69,11 @@ public:
     ScriptedUiServices& answerInputBox(const QString& text);
     ScriptedUiServices& answerOpenFile(const QString& fileName, int32_t filterIndex = 1);
     ScriptedUiServices& answerSaveFile(const QString& fileName, int32_t filterIndex = 1);
+    ScriptedUiServices& answerForm(const QString& formName, FormScript script);
 
     const std::vector<RecordedBox>& boxes() const { return boxes_; }
     std::vector<RecordedBox> messageBoxes() const;
+    std::vector<RecordedBox> forms() const;
     int unscriptedCount() const;
     // True when every scripted answer has been used.
     bool allAnswersUsed() const;
@@ -52,15 +86,18 @@ public:
     FileDialogResult saveFileDialog(const FileDialogRequest& request) override;
     void setClipboardText(const QString& text) override { clipboard_ = text; }
     QString clipboardText() override { return clipboard_; }
+    void showModalForm(const QString& formName, const QString& ownerName) override;
 
 private:
     FileDialogResult fileDialog(RecordedBox::Kind kind, std::deque<FileDialogResult>& queue,
                                 const FileDialogRequest& request);
+    std::vector<RecordedBox> boxesOfKind(RecordedBox::Kind kind) const;
 
     std::deque<int32_t> messageAnswers_;
     std::deque<QString> inputAnswers_;
     std::deque<FileDialogResult> openAnswers_;
     std::deque<FileDialogResult> saveAnswers_;
+    std::map<QString, std::deque<FormScript>> formAnswers_;
     std::vector<RecordedBox> boxes_;
     QString clipboard_;
 };

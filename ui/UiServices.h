@@ -81,6 +81,10 @@ public:
     virtual FileDialogResult saveFileDialog(const FileDialogRequest& request) = 0;
     virtual void setClipboardText(const QString& text) = 0;
     virtual QString clipboardText() = 0;
+    // Shows the form registered under that name (ModalForm.h) modally, owned by the
+    // top-level window named ownerName, and returns when it has closed. The form hands its
+    // results back itself (through the module globals, or by calling the engine).
+    virtual void showModalForm(const QString& formName, const QString& ownerName) = 0;
 
     // The implementation in use; run-time error 91 when none has been installed.
     static UiServices& current();

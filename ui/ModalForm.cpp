@@ -1,0 +1,32 @@
+#include "ui/ModalForm.h"
+
+#include <QHash>
+
+#include "host/VbError.h"
+
+namespace ui {
+
+namespace {
+
+QHash<QString, ModalFormFactory>& factories()
+{
+    static QHash<QString, ModalFormFactory> registered;
+    return registered;
+}
+
+}  // namespace
+
+void registerModalForm(const QString& name, ModalFormFactory factory)
+{
+    factories().insert(name, std::move(factory));
+}
+
+std::unique_ptr<ModalForm> createModalForm(const QString& name)
+{
+    const auto found = factories().constFind(name);
+    if (found == factories().constEnd())
+        throw host::vbError(host::vberr::InvalidProcedureCall, QStringLiteral("There is no form named '%1'.").arg(name));
+    return (*found)();
+}
+
+}  // namespace ui

@@ -1,5 +1,6 @@
 #include "app/ModMain.h"
 
+#include "engine/XDataBase.h"
 #include "host/CreatedOnFirstUse.h"
 #include "host/Registry.h"
 #include "host/RegistryKeys.h"
@@ -30,6 +31,8 @@ namespace {
 // default construction.
 std::unique_ptr<host::Registry> gRegistryObject;
 host::CreatedOnFirstUse<lang::LangApp> gLangObject;
+// Made with the registry and the login globals it reads and writes.
+std::unique_ptr<engine::XDataBase> gDataBaseObject;
 
 }  // namespace
 
@@ -43,6 +46,14 @@ host::Registry& gRegistry()
 lang::LangApp& gLang()
 {
     return gLangObject.get();
+}
+
+engine::XDataBase& gDataBase()
+{
+    if (!gDataBaseObject)
+        gDataBaseObject = std::make_unique<engine::XDataBase>(
+            gRegistry(), engine::LoginGlobals{gUseLogin, gLoginUser, gLoginPassword, gLoginAccepted});
+    return *gDataBaseObject;
 }
 
 void resetModuleGlobals()
@@ -59,6 +70,7 @@ void resetModuleGlobals()
     gRenameField = false;
     gFieldAdded = false;
     gLastResult.clear();
+    gDataBaseObject.reset();
     gRegistryObject.reset();
     gLangObject.reset();
 }

@@ -8,6 +8,9 @@
 #include <functional>
 #include <QString>
 
+namespace engine {
+class XDataBase;
+}
 namespace host {
 class Registry;
 }
@@ -37,6 +40,8 @@ extern QString gLastResult;
 host::Registry& gRegistry();
 // The loaded captions.
 lang::LangApp& gLang();
+// The one table engine, over gRegistry() and the login globals above.
+engine::XDataBase& gDataBase();
 
 void resetModuleGlobals();
 

@@ -4,9 +4,12 @@
 #include <memory>
 
 #include "app/ModMain.h"
+#include "host/SystemLocale.h"
+#include "jet/Locale.h"
 #include "ui/QtUiServices.h"
 #include "ui/SheetwrightApplication.h"
 #include "ui/TopLevelHandler.h"
+#include "ui/dialogs/Dialogs.h"
 #include "ui/main/frmTable.h"
 
 int main(int argc, char** argv)
@@ -14,6 +17,9 @@ int main(int argc, char** argv)
     ui::SheetwrightApplication application(argc, argv);
     ui::QtUiServices services;
     ui::UiServices::install(&services);
+    ui::registerDialogs();
+    // Numbers and dates the engine turns into text follow the user's regional settings.
+    jet::Locale::setCurrent(host::jetLocaleOf(QLocale::system()));
 
     std::unique_ptr<ui::frmTable> mainForm;
     // An error before the window is shown ends the program after the run-time error box.

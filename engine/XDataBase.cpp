@@ -1,0 +1,199 @@
+// Creation, the connection and catalogue, table switches and the data-source role.
+//
+// Invariants:
+//  - At most one record set is open: the engine's own. Replacing it closes the old one
+//    first, and it is only ever opened on the current connection.
+//  - Replacing the connection closes the record set and starts a fresh one, since the
+//    database layer cannot hold one file open twice and a record set must never refer to
+//    a connection that is gone.
+//  - Every connection string and every SQL text goes out through openConnection,
+//    openRecordset/reopenRecordset or execute, which announce it first.
+
+#include "engine/XDataBase.h"
+
+#include <QDir>
+
+#include "host/ErrorTrap.h"
+#include "host/FileSystemObject.h"
+#include "host/FunctionLibrary.h"
+#include "host/HostPath.h"
+#include "host/Registry.h"
+#include "host/RegistryKeys.h"
+#include "host/VbError.h"
+#include "jet/Connection.h"
+#include "jet/Recordset.h"
+#include "ui/ModalForm.h"
+#include "ui/UiServices.h"
+
+namespace engine {
+
+namespace {
+
+constexpr int32_t adOpenDynamic = 2;
+constexpr int32_t adLockBatchOptimistic = 4;
+
+// Only user tables: no system tables, views or queries.
+std::vector<jet::Variant> userTablesOnly()
+{
+    return {jet::Variant(), jet::Variant(), jet::Variant(), jet::Variant::string("TABLE")};
+}
+
+}  // namespace
+
+XDataBase::XDataBase(host::Registry& registry, LoginGlobals login, QObject* parent)
+    : QObject(parent), login_(login), library_(std::make_unique<host::FunctionLibrary>())
+{
+    databaseFolder_ = registry.read(host::HKEY_LOCAL_MACHINE, host::keys::Database, QString());
+    recordset_ = std::make_shared<jet::Recordset>();
+    connect(library_.get(), &host::FunctionLibrary::ProgressChange, this, &XDataBase::CalculateProgress);
+    library_->Initialize();
+}
+
+XDataBase::~XDataBase()
+{
+    library_->Release();
+}
+
+jet::Connection& XDataBase::connection() const
+{
+    if (!connection_)
+        throw host::vbError(host::vberr::ObjectNotSet);
+    return *connection_;
+}
+
+bool XDataBase::recordsetOpen() const
+{
+    return recordset_->State() == jet::ado::StateOpen;
+}
+
+void XDataBase::replaceRecordset()
+{
+    if (recordsetOpen())
+        recordset_->Close();
+    recordset_ = std::make_shared<jet::Recordset>();
+}
+
+void XDataBase::replaceConnection()
+{
+    replaceRecordset();
+    schema_.reset();
+    connection_.reset();
+    connection_ = std::make_shared<jet::Connection>();
+}
+
+void XDataBase::openConnection(const QString& connectionString)
+{
+    jet::Connection& c = connection();
+    c.setConnectionString(connectionString.toStdString());
+    emit ConnectionStringSent(connectionString);
+    c.Open();
+}
+
+void XDataBase::openRecordset(const QString& source, int32_t cursorType, int32_t lockType)
+{
+    jet::Connection& c = connection();
+    emit SqlSent(source);
+    recordset_->Open(source.toStdString(), c, cursorType, lockType, -1);
+}
+
+void XDataBase::reopenRecordset()
+{
+    emit SqlSent(QString::fromStdString(recordset_->Source()));
+    recordset_->Open();
+}
+
+// ---- Connection and catalogue
+
+void XDataBase::readCatalogue()
+{
+    schema_ = connection().OpenSchema(jet::ado::SchemaTables, userTablesOnly());
+    dataMembers_.clear();
+    dataMembers_.append(QStringLiteral("!__LIST"));
+    for (; !schema_->Eof(); schema_->MoveNext())
+        Tables().Add(QString::fromStdString(schema_->Fields()["TABLE_NAME"].Value().toString()));
+    // An empty catalogue reads item 1 as "", which opens nothing.
+    setCurrentTable(Tables().Item(1));
+}
+
+bool XDataBase::OpenDataBase(const QString& fileName)
+{
+    bool cancelled = false;
+    const auto error = host::trapError([&] {
+        if (login_.useLogin) {
+            ui::UiServices::current().showModalForm(QStringLiteral("frmLogin"), QStringLiteral("frmTable"));
+            // A login closed by its frame button leaves the flag of the showing before.
+            if (!login_.accepted) {
+                cancelled = true;
+                return;
+            }
+        }
+        replaceConnection();
+        Tables().Clear();
+        openConnection(QStringLiteral("Provider=microsoft.jet.OLEDB.3.51;Data Source=") + fileName +
+                       QStringLiteral(";User ID=") + login_.user + QStringLiteral(";Password=") + login_.password +
+                       QStringLiteral(";"));
+        login_.user.clear();
+        login_.password.clear();
+        readCatalogue();
+    });
+    if (cancelled)
+        return false;
+    if (!error)
+        return true;
+    if (error->number() != jet::err::Unspecified)
+        return false;
+
+    // Jet 3.51 says this of a file in a newer format: one more try with 4.0, and this
+    // time without the login. Whatever fails now is the caller's to report.
+    if (connection().State() == jet::ado::StateOpen)
+        connection().Close();
+    openConnection(QStringLiteral("Provider=microsoft.jet.OLEDB.4.0;Data Source=") + fileName);
+    readCatalogue();
+    return true;
+}
+
+void XDataBase::CreateDataBase(const QString& /*name*/, const QString& fileName)
+{
+    replaceConnection();
+    host::CopyFile(host::localPath(databaseFolder_ + QStringLiteral("\\") + host::keys::TemplateDatabase), fileName,
+                   true);
+    openConnection(QStringLiteral("Provider=microsoft.jet.OLEDB.3.51;Data Source=") + fileName);
+}
+
+void XDataBase::setCurrentTable(const QString& name)
+{
+    host::resumeNext({
+        [&] { currentTable_ = name; },
+        [&] { queryText_ = QStringLiteral("SELECT * FROM ") + name; },
+        [&] {
+            if (recordsetOpen())
+                recordset_->Close();
+        },
+        [&] { openRecordset(queryText_, adOpenDynamic, adLockBatchOptimistic); },
+        [&] { Columns().Clear(); },
+        [&] {
+            const jet::Fields& fields = recordset_->Fields();
+            for (int32_t i = 0; i < fields.Count(); ++i)
+                Columns().Add(QString::fromStdString(fields[i].Name()));
+        },
+    });
+}
+
+// ---- Data source
+
+std::shared_ptr<jet::Recordset> XDataBase::GetDataMember(const QString& /*dataMember*/)
+{
+    if (recordsetOpen())
+        recordset_->Close();
+    jet::Connection& c = connection();
+    c.setCursorLocation(jet::ado::UseClient);
+    c.Close();
+    emit ConnectionStringSent(QString::fromStdString(c.ConnectionString()));
+    c.Open();
+    if (queryText_.isEmpty())
+        return c.OpenSchema(jet::ado::SchemaTables, userTablesOnly());
+    openRecordset(queryText_, adOpenDynamic, adLockBatchOptimistic);
+    return recordset_;
+}
+
+}  // namespace engine

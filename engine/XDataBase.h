@@ -1,0 +1,157 @@
+#pragma once
+// The table engine: one connection to one Access database, the catalogue of its tables,
+// the current table with the one record set open on it, and the cursor and cell editing
+// over that record set. Every window works through the one instance gDataBase.
+//
+// The engine speaks only to the database layer's ADO-like surface (Connection,
+// Recordset, Fields) and sends the SQL it builds by plain concatenation: names go in bare,
+// so a name with a blank or a reserved word fails in the database, as users of the host
+// suite know it to.
+//
+// Results follow the run time's habits: members that arm a handler return False (some
+// with a message box) instead of raising; the mechanical cursor members pass every error
+// of the record set on to the caller.
+
+#include <cstdint>
+#include <memory>
+#include <string>
+#include <QObject>
+#include <QString>
+#include <QStringList>
+
+#include "host/CreatedOnFirstUse.h"
+#include "host/StringList.h"
+
+namespace jet {
+class Connection;
+class Recordset;
+}  // namespace jet
+namespace host {
+class FunctionLibrary;
+class Registry;
+}  // namespace host
+
+namespace engine {
+
+class Table_Selection;
+
+// The main module's globals that opening a database reads and writes: the login setting
+// and what the login dialog hands back.
+struct LoginGlobals {
+    bool& useLogin;
+    QString& user;
+    QString& password;
+    bool& accepted;
+};
+
+class XDataBase : public QObject {
+    Q_OBJECT
+public:
+    // Reads the database folder (where the template "empty97.mdb" lies) from the
+    // registry and initialises the function library.
+    XDataBase(host::Registry& registry, LoginGlobals login, QObject* parent = nullptr);
+    ~XDataBase() override;
+
+    // ---- Connection and catalogue
+
+    // Asks for a login first when useLogin is set (a cancelled login returns False and
+    // changes nothing), then opens through the Jet 3.51 provider with the login, and only
+    // when that answers -2147467259 once more through 4.0 without it. Fills Tables and
+    // makes the first table current. False on any other error; an error of the 4.0
+    // attempt reaches the caller.
+    bool OpenDataBase(const QString& fileName);
+    // Replaces fileName with a copy of the template and connects to it; the first argument
+    // is not used. Errors reach the caller.
+    void CreateDataBase(const QString& name, const QString& fileName);
+
+    QString CurrentTable() const { return currentTable_; }
+    // Opens the record set on the table; every error is ignored step by step, so a table
+    // that does not open leaves the name set and the record set closed.
+    void setCurrentTable(const QString& name);
+
+    host::StringList& Tables() const { return tables_.get(); }
+    void setTables(std::shared_ptr<host::StringList> list) { tables_.set(std::move(list)); }
+    host::StringList& Columns() const { return columns_.get(); }
+    void setColumns(std::shared_ptr<host::StringList> list) { columns_.set(std::move(list)); }
+
+    // Plain stores for the windows and the table-file readers; the engine never reads them.
+    QString NewTableName() const { return newTableName_; }
+    void setNewTableName(const QString& name) { newTableName_ = name; }
+    QString AddedTable() const { return addedTable_; }
+    void setAddedTable(const QString& name) { addedTable_ = name; }
+    QString DefaultSeparator() const { return defaultSeparator_; }
+    void setDefaultSeparator(const QString& separator) { defaultSeparator_ = separator; }
+    int32_t IndexOfCalculate() const { return indexOfCalculate_; }
+    void setIndexOfCalculate(int32_t index) { indexOfCalculate_ = index; }
+
+    // ---- Data source for the grids
+
+    // "!__LIST" after a database is opened, and the name of every table created since.
+    const QStringList& DataMembers() const { return dataMembers_; }
+    // Re-opens the connection for client-side cursors and hands out the record set on the
+    // current query (the catalogue when there is none). The data member is not looked at.
+    std::shared_ptr<jet::Recordset> GetDataMember(const QString& dataMember);
+
+    // ---- Record cursor
+
+    // The text of the selected cells: one line per selected column (so the block is
+    // transposed against the grid), its cells top to bottom joined by the separator.
+    QString SelectFromTable(const Table_Selection& selection, const QString& separator);
+    void ReOpen(int32_t cursorType, int32_t lockType);
+    void MoveFirst();
+    bool EndOfRecords();
+    void Move(int32_t count);
+    void MoveNext();
+    QString GetCurrentRecord(const QString& fieldName);
+    int32_t RecordCount();
+    // Moves count records from the current one, then reads the field.
+    QString Item(const QString& fieldName, int32_t count);
+    // The name of field index - 1. Captions are not stored: the let does nothing.
+    QString CaptionOfField(int32_t index);
+    void setCaptionOfField(int32_t index, const QString& text);
+
+    // ---- What the rest of the program and the tests look at
+
+    host::FunctionLibrary& functionLibrary() const { return *library_; }
+    // Tables CreateTable was asked for since the engine was made, failures included.
+    int32_t createdTableCount() const { return createdTableCount_; }
+    // The last statement built (the current "SELECT * FROM " query after a table switch).
+    QString queryText() const { return queryText_; }
+
+signals:
+    // The function library's progress, passed on unchanged.
+    void CalculateProgress(double value);
+    // Each connection string a connection is opened with, each SQL text sent to the
+    // connection and each query a record set is opened on, at the moment it is sent.
+    void ConnectionStringSent(const QString& connectionString);
+    void SqlSent(const QString& sql);
+
+private:
+    jet::Connection& connection() const;
+    void replaceConnection();
+    void replaceRecordset();
+    void openConnection(const QString& connectionString);
+    void readCatalogue();
+    void openRecordset(const QString& source, int32_t cursorType, int32_t lockType);
+    void reopenRecordset();
+    bool recordsetOpen() const;
+
+    LoginGlobals login_;
+    QString databaseFolder_;
+    std::unique_ptr<host::FunctionLibrary> library_;
+    std::shared_ptr<jet::Connection> connection_;
+    std::shared_ptr<jet::Recordset> recordset_;
+    std::shared_ptr<jet::Recordset> schema_;
+    QString queryText_;
+    QString currentTable_;
+    int32_t createdTableCount_ = 0;
+    host::CreatedOnFirstUse<host::StringList> tables_;
+    host::CreatedOnFirstUse<host::StringList> columns_;
+    QString newTableName_;
+    QString addedTable_;
+    QString defaultSeparator_;
+    int32_t indexOfCalculate_ = 0;
+    QStringList dataMembers_;
+};
+
+}  // namespace engine

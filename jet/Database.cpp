@@ -10,30 +10,45 @@ namespace {
 constexpr uint32_t catalogPage = 2;
 constexpr size_t versionProbeSize = 0x20;
 
+CorruptError cutShort(const std::string& path) {
+    return CorruptError("'" + path + "' is cut short: its size is not a whole number of pages");
+}
+
 }  // namespace
 
 std::unique_ptr<Database> Database::open(const std::string& path, Env& env) {
     if (!env.exists(path)) throw RuntimeError(err::Unspecified, "Could not find file '" + path + "'.");
-    std::unique_ptr<File> file;
+    // Opened for reading; the first write asks the pager for write access (Pager.h).
+    std::unique_ptr<Pager> pager;
     try {
-        file = env.open(path, OpenMode::ReadOnly);
+        pager = Pager::open(env, path, OpenMode::ReadOnly, [&](std::span<const uint8_t> head) {
+            return Format::of(Header::detectVersion(head, path)).pageSize;
+        });
     } catch (const IoError& e) {
         throw RuntimeError(err::Unspecified, "The database '" + path + "' cannot be opened: " + e.description());
     }
-    return open(std::move(file), path);
+    return open(std::move(pager));
 }
 
 std::unique_ptr<Database> Database::open(std::unique_ptr<File> file, const std::string& path) {
-    uint64_t size = file->size();
     uint8_t probe[versionProbeSize] = {};
     size_t got = file->readAt(0, probe);
     Version version = Header::detectVersion({probe, got}, path);
     const Format& f = Format::of(version);
-    if (size % f.pageSize != 0 || size < 3ull * f.pageSize)
-        throw CorruptError("'" + path + "' is cut short: its size is not a whole number of pages");
+    if (file->size() % f.pageSize != 0) throw cutShort(path);
+    return open(std::make_unique<Pager>(std::move(file), path, f.pageSize));
+}
+
+std::unique_ptr<Database> Database::open(std::unique_ptr<Pager> pager) {
+    const std::string& path = pager->path();
+    uint8_t probe[versionProbeSize] = {};
+    if (pager->file().readAt(0, probe) < versionProbeSize) throw cutShort(path);
+    Version version = Header::detectVersion(probe, path);
+    const Format& f = Format::of(version);
+    const uint64_t size = pager->file().size();
+    if (size % f.pageSize != 0 || size < 3ull * f.pageSize || pager->pageSize() != f.pageSize) throw cutShort(path);
     if (size / f.pageSize > UINT32_MAX >> 8)
         throw CorruptError("'" + path + "' is larger than any database of its format can be");
-    auto pager = std::make_unique<Pager>(std::move(file), path, f.pageSize);
     Header header = Header::parse(version, {pager->read(0), f.pageSize});
     std::unique_ptr<Database> db(new Database(std::move(pager), std::move(header)));
     db->catalog_ = std::make_unique<Catalog>(Catalog::read(*db));
@@ -70,6 +85,16 @@ std::shared_ptr<const TableDef> Database::tableDef(uint32_t page) const {
     auto def = std::make_shared<const TableDef>(TableDef::read(*pager_, format(), *codePage_, page));
     defs_.emplace(page, def);
     return def;
+}
+
+void Database::beginWrite() {
+    pager_->acquireWriteAccess();
+    pager_->begin();
+}
+
+void Database::reloadTableDef(uint32_t page) {
+    defs_.erase(page);
+    tableDef(page);
 }
 
 std::shared_ptr<Table> Database::openTable(std::string_view name) const {

@@ -6,8 +6,9 @@
 //  - A Database exists only for a file that passed the checks done before trusting one:
 //    a supported version, a size that is a whole number (at least 3) of pages, and a
 //    catalogue on page 2 with the columns the engine needs.
-//  - Table definitions are parsed once and shared; a definition never changes while the
-//    Database lives (the writer replaces it as a whole when the schema changes).
+//  - Table definitions are parsed once and shared; a parsed definition never changes: when
+//    a transaction changes a table's counters or schema, the cache gets a new one and
+//    earlier holders keep the one they had.
 
 #include <cstdint>
 #include <map>
@@ -34,7 +35,8 @@ public:
     // Opens a file. Throws RuntimeError -2147467259 when it cannot be found or opened or
     // is not a database of a supported format, CorruptError when it is damaged.
     static std::unique_ptr<Database> open(const std::string& path, Env& env = Env::posix());
-    // Opens an already opened file (tests and the fuzzer hand in memory files).
+    // Opens an already opened file (tests and the fuzzer hand in memory files); such a
+    // database is never written.
     static std::unique_ptr<Database> open(std::unique_ptr<File> file, const std::string& path);
 
     ~Database();
@@ -58,6 +60,12 @@ public:
     // when there is none.
     std::shared_ptr<Table> openTable(std::string_view name) const;
 
+    // Starts a write transaction on the pager, taking write access first (Pager.h). Writers
+    // go through jet::Transaction, which ends it.
+    void beginWrite();
+    // Parses a definition again after a transaction changed its counters (or rolled back).
+    void reloadTableDef(uint32_t page);
+
     // The bytes of a live row given by the slot that identifies it, following an overflow
     // header to where the data lives. `owner` is the table's TDEF page; a row on a page
     // of another owner is a CorruptError.
@@ -65,6 +73,7 @@ public:
 
 private:
     Database(std::unique_ptr<Pager> pager, Header header);
+    static std::unique_ptr<Database> open(std::unique_ptr<Pager> pager);
 
     std::unique_ptr<Pager> pager_;
     Header header_;

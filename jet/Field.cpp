@@ -19,6 +19,7 @@ const std::string& Field::Name() const { return rs_->source().fields()[index_].n
 int32_t Field::Type() const { return rs_->source().fields()[index_].type; }
 int32_t Field::DefinedSize() const { return rs_->source().fields()[index_].definedSize; }
 Variant Field::Value() const { return rs_->valueAt(index_); }
+void Field::setValue(const Variant& value) const { rs_->setValueAt(index_, value); }
 
 int32_t Fields::Count() const { return int32_t(rs_.source().fields().size()); }
 

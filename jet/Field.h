@@ -14,22 +14,29 @@ class Recordset;
 
 class Field {
 public:
-    Field(const Recordset& rs, size_t index) : rs_(&rs), index_(index) {}
+    Field(Recordset& rs, size_t index) : rs_(&rs), index_(index) {}
 
     const std::string& Name() const;
     int32_t Type() const;          // ADO DataTypeEnum
     int32_t DefinedSize() const;
     // The value in the current record (run-time error 3021 at BOF or EOF).
     Variant Value() const;
+    // Assigns a value to the current record: converted to the column's type at once (a
+    // value that does not fit is refused here), sent as the record set's lock type says.
+    void setValue(const Variant& value) const;
+    Field& operator=(const Variant& value) {
+        setValue(value);
+        return *this;
+    }
 
 private:
-    const Recordset* rs_;
+    Recordset* rs_;
     size_t index_;
 };
 
 class Fields {
 public:
-    explicit Fields(const Recordset& rs) : rs_(rs) {}
+    explicit Fields(Recordset& rs) : rs_(rs) {}
 
     int32_t Count() const;
     // By position (0-based) or by name (case-insensitive); run-time error 3265 otherwise.
@@ -39,7 +46,7 @@ public:
     Field operator[](std::string_view name) const { return Item(name); }
 
 private:
-    const Recordset& rs_;
+    Recordset& rs_;
 };
 
 }  // namespace jet

@@ -162,6 +162,7 @@ std::unique_ptr<Pager> Pager::open(Env& env, const std::string& path, OpenMode m
     pager->lock_ = std::move(lock);
     pager->recovery_ = std::move(recovery);
     if (!writer) pager->readOnlyReason_ = readOnlyReason.empty() ? "was opened for reading only" : readOnlyReason;
+    pager->upgradable_ = !writer && mode == OpenMode::ReadOnly && mayWrite;
     return pager;
 }
 
@@ -181,6 +182,30 @@ std::unique_ptr<Pager> Pager::create(Env& env, const std::string& path, uint32_t
     std::unique_ptr<Pager> pager(new Pager(env, std::move(file), path, pageSize));
     pager->lock_ = std::move(lock);
     return pager;
+}
+
+void Pager::acquireWriteAccess() {
+    if (!readOnly()) return;
+    if (!upgradable_ || databaseKey_ != 0)
+        throw RuntimeError(err::ReadOnly,
+                           "Cannot update. Database or object is read-only ('" + path_ + "' " + readOnlyReason() + ").");
+    // Converting the shared lock may drop it before failing: take it back so reading goes on.
+    if (!file_->tryLockExclusive()) {
+        file_->tryLockShared();
+        throw DatabaseLock::inUseError(path_);
+    }
+    try {
+        lock_ = DatabaseLock::acquire(*env_, path_);
+    } catch (const IoError& e) {
+        file_->tryLockShared();
+        throw RuntimeError(err::ReadOnly, "Cannot update. Database or object is read-only ('" + path_ +
+                                              "' has a lock file that cannot be created: " + e.description() + ").");
+    } catch (...) {
+        file_->tryLockShared();
+        throw;
+    }
+    readOnlyReason_.clear();
+    upgradable_ = false;
 }
 
 std::string Pager::readOnlyReason() const {

@@ -116,6 +116,14 @@ public:
     std::string readOnlyReason() const;
     const JournalRecovery& recovery() const { return recovery_; }
 
+    // Turns a pager opened for reading a file it may write into a writer: the exclusive
+    // lock on the file and the ".ldb" lock file, as open(ReadWrite) would have taken. A
+    // program that only reads therefore never blocks others; the first write does. Throws
+    // the "file already in use" error when another process has the file open, and
+    // err::ReadOnly when the file or its folder cannot be written. Nothing to do for a
+    // pager that may already write.
+    void acquireWriteAccess();
+
     // Starts a write transaction. Throws err::ReadOnly on a read-only or encrypted database,
     // and an error when a transaction is already open or an earlier commit left the file
     // to be restored by reopening.
@@ -150,6 +158,7 @@ private:
     JournalRecovery recovery_;
     std::unordered_map<uint32_t, std::unique_ptr<uint8_t[]>> cache_;
 
+    bool upgradable_ = false;  // opened for reading a file it could write
     bool inTransaction_ = false;
     bool needsReopen_ = false;
     uint32_t originalPageCount_ = 0;

@@ -70,7 +70,8 @@ void Recordset::Open(const std::string& source, Connection& connection, int32_t 
     cursorType_ = cursorType;
     lockType_ = lockType;
     options_ = options;
-    openSource(std::move(data));
+    openSource(data);
+    table_ = std::move(data);
 }
 
 void Recordset::Open() {
@@ -80,12 +81,74 @@ void Recordset::Open() {
 
 void Recordset::openSource(std::shared_ptr<RecordSource> source) {
     data_ = std::move(source);
+    table_.reset();
     position_ = 0;
 }
 
 void Recordset::Close() {
     requireOpen();
     data_.reset();
+    table_.reset();
+}
+
+TableRecordSource& Recordset::requireUpdatable() const {
+    requireOpen();
+    if (!table_ || (lockType_ != 2 && lockType_ != 3 && lockType_ != 4))
+        throw RuntimeError(err::NotSupported, "Current Recordset does not support updating. This may be a limitation "
+                                              "of the provider, or of the selected locktype.");
+    return *table_;
+}
+
+void Recordset::leaveRow() {
+    if (batchMode() || !table_ || position_ < 0 || position_ >= int64_t(table_->rowCount())) return;
+    if (table_->hasPending(size_t(position_))) table_->send({size_t(position_)});
+}
+
+void Recordset::setValueAt(size_t field, const Variant& value) {
+    TableRecordSource& t = requireUpdatable();
+    requireCurrent();
+    t.assign(size_t(position_), field, value);
+}
+
+void Recordset::AddNew() {
+    TableRecordSource& t = requireUpdatable();
+    leaveRow();
+    position_ = int64_t(t.addNew());
+}
+
+void Recordset::Update() {
+    TableRecordSource& t = requireUpdatable();
+    requireCurrent();
+    if (t.hasPending(size_t(position_))) t.send({size_t(position_)});
+}
+
+void Recordset::UpdateBatch(int32_t affectRecords) {
+    TableRecordSource& t = requireUpdatable();
+    if (affectRecords == 1) return Update();
+    t.send(t.pendingRows());
+}
+
+void Recordset::CancelUpdate() {
+    TableRecordSource& t = requireUpdatable();
+    if (position_ < 0 || position_ >= int64_t(t.rowCount())) return;
+    const bool wasNew = t.isNew(size_t(position_));
+    t.cancel(size_t(position_));
+    if (wasNew) position_ = std::min<int64_t>(position_, int64_t(t.rowCount()) - 1);
+}
+
+void Recordset::CancelBatch(int32_t affectRecords) {
+    TableRecordSource& t = requireUpdatable();
+    if (affectRecords == 1) return CancelUpdate();
+    t.cancelAll();
+    position_ = std::min<int64_t>(position_, int64_t(t.rowCount()));
+}
+
+void Recordset::Delete(int32_t affectRecords) {
+    TableRecordSource& t = requireUpdatable();
+    if (affectRecords != 1)
+        throw RuntimeError(err::NotSupported, "Object or provider is not capable of performing requested operation.");
+    requireCurrent();
+    t.remove(size_t(position_));
 }
 
 int32_t Recordset::State() const { return data_ ? ado::StateOpen : ado::StateClosed; }
@@ -116,29 +179,34 @@ bool Recordset::Bof() const {
 
 void Recordset::MoveFirst() {
     requireOpen();
+    leaveRow();
     if (data_->rowCount() == 0) throw noCurrentRecord();
     position_ = 0;
 }
 
 void Recordset::MoveLast() {
     requireOpen();
+    leaveRow();
     if (data_->rowCount() == 0) throw noCurrentRecord();
     position_ = int64_t(data_->rowCount()) - 1;
 }
 
 void Recordset::MoveNext() {
     if (Eof()) throw noCurrentRecord();
+    leaveRow();
     ++position_;
 }
 
 void Recordset::MovePrevious() {
     requireOpen();
+    leaveRow();
     if (position_ < 0 || data_->rowCount() == 0) throw noCurrentRecord();
     --position_;
 }
 
 void Recordset::Move(int32_t count) {
     requireOpen();
+    leaveRow();
     const int64_t n = int64_t(data_->rowCount());
     if (n == 0 || (count > 0 && position_ >= n) || (count < 0 && position_ < 0) ||
         (count == 0 && (position_ < 0 || position_ >= n)))

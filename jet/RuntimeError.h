@@ -33,6 +33,7 @@ inline constexpr int32_t IntegrityViolation = -2147217873;    // 0x80040E2F, dup
 inline constexpr int32_t TypeMismatch = -2147217913;          // 0x80040E07, data type mismatch in criteria
 inline constexpr int32_t NoSuchColumn = -2147217904;          // 0x80040E10
 inline constexpr int32_t ObjectExists = -2147217900;          // Jet reports "already exists" through the same number
+inline constexpr int32_t MultipleStepErrors = -2147217887;     // 0x80040E21, a value that does not fit its field
 inline constexpr int32_t ReadOnly = -2147217911;              // 0x80040E09, permission denied
 inline constexpr int32_t NotAllowedNow = 3704;                // ADO: operation not allowed when the object is closed
 inline constexpr int32_t NotAllowedOpen = 3705;               // ADO: operation not allowed when the object is open

@@ -36,4 +36,24 @@ std::string decodeText(Version version, const CodePage& codePage, std::span<cons
     return utf16ToUtf8(decodeJet4Text(bytes));
 }
 
+std::vector<uint8_t> encodeJet4Text(std::u16string_view text, bool compress) {
+    std::vector<uint8_t> out;
+    bool oneByte = compress && text.size() >= 3 && text.size() <= 1024;
+    for (char16_t c : text)
+        if (c == 0 || c > 0xFF) oneByte = false;
+    if (oneByte) {
+        out.reserve(2 + text.size());
+        out.push_back(0xFF);
+        out.push_back(0xFE);
+        for (char16_t c : text) out.push_back(uint8_t(c));
+        return out;
+    }
+    out.resize(2 * text.size());
+    for (size_t k = 0; k < text.size(); ++k) {
+        out[2 * k] = uint8_t(text[k]);
+        out[2 * k + 1] = uint8_t(text[k] >> 8);
+    }
+    return out;
+}
+
 }  // namespace jet

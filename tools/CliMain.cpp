@@ -3,6 +3,7 @@
 //   sheetwright-cli tables FILE                     user tables, one per line
 //   sheetwright-cli export FILE TABLE --format csv  a table as CSV on standard output
 //   sheetwright-cli check FILE                      integrity check; exit 0 when clean
+//   sheetwright-cli load FILE TABLE CSVFILE         appends the CSV's rows: all of them or none
 //
 // Any error ends the program with status 1 and one line on standard error; a wrong
 // command line gives status 2 and the usage.
@@ -12,7 +13,10 @@
 #include <string>
 #include <vector>
 
+#include <fstream>
+
 #include "CsvExport.h"
+#include "CsvImport.h"
 #include "jet/Checker.h"
 #include "jet/Connection.h"
 #include "jet/Recordset.h"
@@ -25,7 +29,8 @@ using Args = std::vector<std::string>;
 const char* usage =
     "usage: sheetwright-cli tables FILE\n"
     "       sheetwright-cli export FILE TABLE --format csv\n"
-    "       sheetwright-cli check FILE\n";
+    "       sheetwright-cli check FILE\n"
+    "       sheetwright-cli load FILE TABLE CSVFILE\n";
 
 // The newer provider opens both formats.
 void openFile(jet::Connection& cn, const std::string& file) {
@@ -72,6 +77,20 @@ int check(const Args& a) {
     return 0;
 }
 
+int load(const Args& a) {
+    if (a.size() != 3) throw std::invalid_argument("load takes FILE TABLE CSVFILE");
+    std::ifstream csv(a[2], std::ios::binary);
+    if (!csv) throw std::runtime_error("cannot open '" + a[2] + "'");
+    jet::Connection cn;
+    openFile(cn, a[0]);
+    jet::Recordset rs;
+    rs.Open("SELECT * FROM [" + a[1] + "]", cn, 2, 4);
+    const size_t rows = sheetwright::cli::importCsv(csv, rs);
+    rs.Close();
+    std::cout << rows << " rows loaded into " << a[1] << "\n";
+    return 0;
+}
+
 }  // namespace
 
 int main(int argc, char** argv) {
@@ -86,6 +105,7 @@ int main(int argc, char** argv) {
         if (command == "tables") return tables(args);
         if (command == "export") return exportTable(args);
         if (command == "check") return check(args);
+        if (command == "load") return load(args);
         std::cerr << "sheetwright-cli: unknown command '" << command << "'\n" << usage;
         return 2;
     } catch (const std::invalid_argument& e) {

@@ -81,10 +81,10 @@ bool DataPageWriter::replace(unsigned slot, std::span<const uint8_t> row, uint16
     return true;
 }
 
-bool DataPageWriter::allDeleted() const {
+bool DataPageWriter::holdsNothing() const {
     const uint16_t n = view_.slotCount();
     for (unsigned k = 0; k < n; ++k)
-        if (!view_.isDeleted(k)) return false;
+        if (!view_.isDeleted(k) && !view_.row(k).empty()) return false;
     return true;
 }
 

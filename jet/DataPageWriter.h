@@ -41,9 +41,9 @@ public:
     bool replace(unsigned slot, std::span<const uint8_t> row, uint16_t flags);
     // Changes only the flags of a slot (0xC000 deletes, keeping the bytes in place).
     void setFlags(unsigned slot, uint16_t flags);
-    // True when every slot is deleted: no index entry or overflow header can name any of
-    // them any more, so the page may start again empty.
-    bool allDeleted() const;
+    // True when every slot is deleted or empty: nothing can name any of them any more (no
+    // stored row or long value is empty), so the page may start again empty.
+    bool holdsNothing() const;
     // Live slots: neither deleted nor an overflow target.
     unsigned liveRows() const;
 

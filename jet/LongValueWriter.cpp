@@ -11,7 +11,7 @@
 namespace jet {
 
 LongValueWriter::LongValueWriter(Pager& pager, const Format& format, const LongValueMaps& maps, PageAllocator& allocator)
-    : pager_(pager), f_(format), pages_(pager, format, LvalOwner, maps.ownedMap, maps.freeMap, allocator) {}
+    : pager_(pager), f_(format), pages_(pager, format, LvalOwner, maps.ownedMap, maps.freeMap, allocator, false) {}
 
 std::vector<uint8_t> LongValueWriter::inlineField(std::span<const uint8_t> data) {
     std::vector<uint8_t> field(headerSize + data.size(), 0);
@@ -25,6 +25,18 @@ uint32_t LongValueWriter::place(std::span<const uint8_t> row) {
     const uint32_t page = pages_.pageFor(uint32_t(row.size()));
     const uint8_t slot = DataPageWriter(f_, pager_.writable(page)).append(row);
     return RowLocation{page, slot}.pointer();
+}
+
+// A long-value row is marked deleted only when no live row follows it on its page; one
+// that does is emptied instead (a live row of no bytes, which nothing refers to), because an
+// independent reader we check our files with misreads a row that follows a deleted one.
+void LongValueWriter::free(RowLocation at) {
+    DataPageWriter page(f_, pager_.writable(at.page));
+    bool liveAfter = false;
+    for (unsigned k = at.slot + 1u; k < page.view().slotCount(); ++k) liveAfter = liveAfter || !page.view().isDeleted(k);
+    if (liveAfter) page.replace(at.slot, {}, 0);
+    else page.setFlags(at.slot, slot_flag::Deleted);
+    pages_.released(at.page);
 }
 
 std::vector<uint8_t> LongValueWriter::store(std::span<const uint8_t> data) {
@@ -63,8 +75,7 @@ void LongValueWriter::remove(std::span<const uint8_t> field) {
             break;  // nothing more of ours to free: leave what is not a live long-value row alone
         RowLocation next{};
         if (h.kind == long_value_kind::Chain && view.row(at.slot).size() >= 4) next = RowLocation::fromPointer(le32(view.row(at.slot).data()));
-        DataPageWriter(f_, pager_.writable(at.page)).setFlags(at.slot, slot_flag::Deleted);
-        pages_.released(at.page);
+        free(at);
         if (h.kind != long_value_kind::Chain) break;
         at = next;
     }

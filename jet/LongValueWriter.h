@@ -7,8 +7,8 @@
 //    written; the header names the first piece, and the last piece points to nothing.
 //  - Long-value rows go only onto pages with the owner "LVAL" that are listed in the
 //    column's owned map (and in its free-space map while they have room).
-//  - Deleting a value marks each of its long-value rows deleted; a page left with deleted
-//    rows only starts again empty and takes the column's next values.
+//  - Deleting a value frees each of its long-value rows (free() says how); a page left with
+//    nothing live starts again empty and takes the column's next values.
 
 #include <cstdint>
 #include <span>
@@ -39,6 +39,7 @@ public:
 
 private:
     uint32_t place(std::span<const uint8_t> row);
+    void free(RowLocation at);
 
     Pager& pager_;
     const Format& f_;

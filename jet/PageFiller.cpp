@@ -8,8 +8,9 @@
 namespace jet {
 
 PageFiller::PageFiller(Pager& pager, const Format& format, uint32_t owner, uint32_t ownedMap, uint32_t freeMap,
-                       PageAllocator& allocator)
-    : pager_(pager), f_(format), owner_(owner), owned_(pager, format, ownedMap, allocator), allocator_(allocator) {
+                       PageAllocator& allocator, bool afterDeletedRows)
+    : pager_(pager), f_(format), owner_(owner), owned_(pager, format, ownedMap, allocator), allocator_(allocator),
+      afterDeletedRows_(afterDeletedRows) {
     if (freeMap != 0) free_.emplace(pager, format, freeMap, allocator);
     freeMapPointer_ = freeMap;
 }
@@ -18,6 +19,9 @@ bool PageFiller::fits(uint32_t page, uint32_t length) const {
     if (page >= pager_.pageCount()) return false;
     DataPage view(f_, pager_.read(page));
     if (!view.isDataPage() || view.owner() != owner_) return false;
+    if (!afterDeletedRows_)
+        for (unsigned k = 0; k < view.slotCount(); ++k)
+            if (view.isDeleted(k)) return false;
     return DataPageWriter::canAppend(view, length);
 }
 
@@ -40,7 +44,7 @@ uint32_t PageFiller::pageFor(uint32_t length, std::optional<uint32_t> avoid) {
 
 void PageFiller::released(uint32_t page) {
     DataPageWriter writer(f_, pager_.writable(page));
-    if (!writer.allDeleted()) return;
+    if (!writer.holdsNothing()) return;
     writer.initialize(owner_);
     if (free_) free_->add(page);
 }

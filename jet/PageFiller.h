@@ -9,6 +9,10 @@
 //    does); a page that regains room (an emptied page) returns to it.
 //  - The page last filled is remembered for the transaction, so a bulk insert appends to it
 //    without reading any map, and reads the free-space map only when that page is full.
+//  - With `afterDeletedRows` false, a page that holds deleted rows takes no new ones until
+//    all its rows are deleted and it starts again. Long values use this: an independent
+//    reader we check our files with misreads a long-value row placed after a deleted one,
+//    and Access's own files never show that layout.
 
 #include <cstdint>
 #include <optional>
@@ -26,7 +30,7 @@ public:
     // `freeMap` 0: the owner has no free-space map (some long-value columns of Access's
     // own tables); pages are then found only among those added in this transaction.
     PageFiller(Pager& pager, const Format& format, uint32_t owner, uint32_t ownedMap, uint32_t freeMap,
-               PageAllocator& allocator);
+               PageAllocator& allocator, bool afterDeletedRows = true);
 
     // A page that can take a new row of `length` bytes now; `avoid` is never chosen.
     uint32_t pageFor(uint32_t length, std::optional<uint32_t> avoid = std::nullopt);
@@ -42,6 +46,7 @@ private:
     UsageMapWriter owned_;
     std::optional<UsageMapWriter> free_;
     PageAllocator& allocator_;
+    bool afterDeletedRows_;
     uint32_t freeMapPointer_ = 0;
     uint32_t current_ = 0;  // 0: none yet
 };

@@ -1,0 +1,269 @@
+// The pieces under the table writer, each on its own: rows laid out from column values
+// (every row of every fixture must come back byte for byte per column), conversion of
+// assigned values, page mutations, usage maps that move their window or turn into
+// reference maps, and the global map growing with the file.
+#include <gtest/gtest.h>
+
+#include <filesystem>
+
+#include "MemoryFile.h"
+#include "jet/Catalog.h"
+#include "jet/Checker.h"
+#include "jet/DataPageWriter.h"
+#include "jet/Database.h"
+#include "jet/DateSerial.h"
+#include "jet/PageAllocator.h"
+#include "jet/RowWriter.h"
+#include "jet/Table.h"
+#include "jet/Transaction.h"
+#include "jet/UsageMap.h"
+#include "jet/UsageMapWriter.h"
+#include "jet/ValueConverter.h"
+#include "testkit/WritableCopy.h"
+
+namespace {
+
+namespace fs = std::filesystem;
+using jet::Column;
+using jet::ColumnType;
+using jet::Variant;
+
+// Lays the values out, reads the row back and compares every column.
+void expectSameColumns(const jet::Format& f, const jet::TableDef& def, const std::vector<jet::StoredValue>& values,
+                       const std::string& where) {
+    const auto row = jet::encodeRow(f, def, values);
+    const jet::RowReader again(f, def, row);
+    ASSERT_EQ(def.maxColumns(), again.columnCount()) << where;
+    for (size_t i = 0; i < values.size(); ++i) {
+        auto bytes = again.column(def.columns()[i]);
+        ASSERT_EQ(values[i].present, bytes.present) << where;
+        ASSERT_TRUE(std::equal(bytes.bytes.begin(), bytes.bytes.end(), values[i].bytes.begin(), values[i].bytes.end()))
+            << where << " column " << def.columns()[i].name;
+    }
+}
+
+TEST(RowWriter, EveryStoredRowOfEveryFixtureIsLaidOutAgainWithTheSameColumns) {
+    size_t rows = 0, jet3Long = 0;
+    for (const auto& entry : fs::directory_iterator(SHEETWRIGHT_MDB_FIXTURES)) {
+        if (entry.path().extension() != ".mdb") continue;
+        auto db = jet::Database::open(entry.path().string());
+        for (const auto& e : db->catalog().entries()) {
+            if (!e.isTable()) continue;
+            auto table = db->openTable(e.name);
+            const auto& def = table->def();
+            const std::string where = entry.path().filename().string() + " " + e.name;
+            for (auto at : table->rowLocations()) {
+                const auto reader = table->reader(at);
+                std::vector<jet::StoredValue> values;
+                for (const Column& c : def.columns()) {
+                    auto bytes = reader.column(c);
+                    values.push_back({bytes.present, {bytes.bytes.begin(), bytes.bytes.end()}});
+                }
+                expectSameColumns(db->format(), def, values, where);
+                ++rows;
+            }
+            // Jet 3 rows past 256 bytes need the jump table: every text column filled up,
+            // then shorter and shorter, crosses the boundaries at every slot.
+            if (!db->format().isJet3() || def.varColumns() == 0) continue;
+            for (uint16_t fill = 255; fill > 8; fill = uint16_t(fill * 2 / 3)) {
+                std::vector<jet::StoredValue> values;
+                for (const Column& c : def.columns()) {
+                    jet::StoredValue v;
+                    v.present = c.typeCode != uint8_t(ColumnType::Bool) || c.number % 2;
+                    if (c.typeCode == uint8_t(ColumnType::Bool)) {}
+                    else if (c.isFixed()) v.bytes.assign(jet::fixedSizeOf(c.typeCode) ? jet::fixedSizeOf(c.typeCode) : c.length, 1);
+                    else if (c.type() == ColumnType::Text) v.bytes.assign(std::min<uint16_t>(fill, c.length), 'x');
+                    else v.present = false;
+                    values.push_back(std::move(v));
+                }
+                try {
+                    expectSameColumns(db->format(), def, values, where + " filled to " + std::to_string(fill));
+                } catch (const jet::RuntimeError& e) {
+                    continue;  // larger than a row may be
+                }
+                if (jet::encodeRow(db->format(), def, values).size() > 256) ++jet3Long;
+            }
+        }
+    }
+    EXPECT_GT(rows, 4000u);
+    EXPECT_GT(jet3Long, 20u) << "Jet 3 rows with jump tables were not exercised";
+}
+
+Column column(ColumnType type, uint16_t length = 0, uint8_t precision = 0, uint8_t scale = 0) {
+    Column c;
+    c.name = "c";
+    c.typeCode = uint8_t(type);
+    c.length = length ? length : uint16_t(jet::fixedSizeOf(c.typeCode));
+    c.precision = precision;
+    c.scale = scale;
+    return c;
+}
+
+Variant convert(const Column& c, const Variant& v, jet::Version version = jet::Version::Jet4) {
+    jet::Locale comma;
+    comma.decimalSeparator = ",";
+    comma.dateOrder = jet::Locale::DateOrder::DayMonthYear;
+    comma.dateSeparator = '.';
+    return jet::convertForColumn(c, v, version, *jet::CodePage::get(1252), comma);
+}
+
+bool refused(const Column& c, const Variant& v, jet::Version version = jet::Version::Jet4) {
+    try {
+        convert(c, v, version);
+    } catch (const jet::RuntimeError& e) {
+        return e.number() == jet::err::MultipleStepErrors;
+    }
+    return false;
+}
+
+TEST(ValueConverter, TextBecomesNumbersDatesAndYesNoAsJetReadsIt) {
+    auto s = [](const char* t) { return Variant::string(t); };
+    EXPECT_EQ(Variant::byte(255), convert(column(ColumnType::Byte), s(" 255 ")));
+    EXPECT_EQ(Variant::integer(-32768), convert(column(ColumnType::Int), s("-32768")));
+    EXPECT_EQ(Variant::longValue(2), convert(column(ColumnType::Long), s("2,5")));    // halves to even
+    EXPECT_EQ(Variant::longValue(4), convert(column(ColumnType::Long), s("3.5")));    // "." is taken too
+    EXPECT_EQ(Variant::longValue(-3), convert(column(ColumnType::Long), Variant::doubleValue(-2.5000001)));
+    EXPECT_EQ(Variant::currency(123456), convert(column(ColumnType::Money), s("12,34565")));
+    EXPECT_EQ(Variant::currency(-4), convert(column(ColumnType::Money), s("-0.00045")));
+    EXPECT_EQ(Variant::currency(-6), convert(column(ColumnType::Money), s("-0.00055")));
+    EXPECT_EQ(Variant::currency(-5), convert(column(ColumnType::Money), s("-0.000450001")));
+    EXPECT_EQ(Variant::doubleValue(1e300), convert(column(ColumnType::Double), s("1E+300")));
+    EXPECT_EQ(Variant::single(0.1f), convert(column(ColumnType::Float), s("0,1")));
+    EXPECT_EQ(Variant::boolean(true), convert(column(ColumnType::Bool), s("yes")));
+    EXPECT_EQ(Variant::boolean(false), convert(column(ColumnType::Bool), s("Off")));
+    EXPECT_EQ(Variant::boolean(true), convert(column(ColumnType::Bool), s("-1")));
+    EXPECT_EQ(Variant::boolean(false), convert(column(ColumnType::Bool), Variant::null()));
+    const Column date = column(ColumnType::DateTime);
+    const double leap = jet::dateSerial({2024, 2, 29, 13, 45, 10});
+    EXPECT_EQ(Variant::date(leap), convert(date, s("2024-02-29 13:45:10")));
+    EXPECT_EQ(Variant::date(leap), convert(date, s("29.02.2024 13:45:10")));  // the locale's CStr form
+    EXPECT_EQ(Variant::date(jet::dateSerial({1899, 12, 30, 6, 30, 0})), convert(date, s("06:30:00")));
+    EXPECT_EQ(Variant::date(jet::dateSerial({1805, 6, 12})), convert(date, s("1805-06-12")));
+    EXPECT_EQ(Variant::string("{00112233-4455-6677-8899-AABBCCDDEEFF}"),
+              convert(column(ColumnType::Guid), s("{00112233-4455-6677-8899-aabbccddeeff}")));
+    jet::Decimal d{true, 12345, 2};
+    EXPECT_EQ(Variant::decimal(d), convert(column(ColumnType::Numeric, 17, 10, 2), s("-123,454")));
+    // A blank given to a column that is not text clears it.
+    EXPECT_TRUE(convert(column(ColumnType::Long), s("  ")).isNull());
+    EXPECT_EQ(Variant::string(""), convert(column(ColumnType::Text, 20), s("")));
+}
+
+TEST(ValueConverter, WhatDoesNotFitIsRefusedNotWrappedOrCut) {
+    auto s = [](const char* t) { return Variant::string(t); };
+    EXPECT_TRUE(refused(column(ColumnType::Byte), s("256")));
+    EXPECT_TRUE(refused(column(ColumnType::Byte), s("-1")));
+    EXPECT_TRUE(refused(column(ColumnType::Int), Variant::longValue(32768)));
+    EXPECT_TRUE(refused(column(ColumnType::Long), s("2147483648")));
+    EXPECT_TRUE(refused(column(ColumnType::Long), s("1e10")));
+    EXPECT_TRUE(refused(column(ColumnType::Long), s("12 apples")));
+    EXPECT_TRUE(refused(column(ColumnType::Money), s("1e20")));
+    EXPECT_TRUE(refused(column(ColumnType::Float), s("1e39")));
+    EXPECT_TRUE(refused(column(ColumnType::DateTime), s("2023-02-29")));
+    EXPECT_TRUE(refused(column(ColumnType::DateTime), s("10000-01-01")));
+    EXPECT_TRUE(refused(column(ColumnType::DateTime), s("25:00:00")));
+    EXPECT_TRUE(refused(column(ColumnType::Bool), s("perhaps")));
+    EXPECT_TRUE(refused(column(ColumnType::Guid), s("{00112233-4455-6677-8899-AABBCCDDEEF}")));
+    EXPECT_TRUE(refused(column(ColumnType::Numeric, 17, 4, 2), s("123,45")));  // five digits for precision 4
+    EXPECT_TRUE(refused(column(ColumnType::Text, 10), s("eleven char")));     // Jet 4 length: 2 x characters
+    EXPECT_FALSE(refused(column(ColumnType::Text, 10), s("five!")));
+    EXPECT_TRUE(refused(column(ColumnType::Text, 5), s("\xD0\x96"), jet::Version::Jet3));  // not in cp1252
+    EXPECT_TRUE(refused(column(ColumnType::Binary, 4), Variant::bytes({1, 2, 3, 4, 5})));
+    EXPECT_TRUE(refused(column(ColumnType::Long), Variant::bytes({1})));
+}
+
+TEST(DataPageWriter, RowsKeepTheirSlotsThroughDeletesAndRepacksAndFreeSpaceStaysExact) {
+    const auto& f = jet::Format::of(jet::Version::Jet3);
+    std::vector<uint8_t> page(f.pageSize);
+    jet::DataPageWriter w(f, page.data());
+    w.initialize(77);
+    EXPECT_EQ(f.emptyDataPageFree(), w.view().freeSpace());
+    std::vector<std::vector<uint8_t>> rows;
+    for (int k = 0; w.canAppend(100); ++k) {
+        rows.emplace_back(100, uint8_t(k));
+        EXPECT_EQ(k, w.append(rows.back()));
+        EXPECT_EQ(w.view().computedFreeSpace(), w.view().freeSpace());
+    }
+    EXPECT_EQ(19u, rows.size());  // 19 x 102 bytes fit in 2038
+    w.setFlags(3, jet::slot_flag::Deleted);
+    // Row 5 grows: only possible because the repack gives back the deleted row's bytes.
+    std::vector<uint8_t> bigger(150, 0xAB);
+    EXPECT_FALSE(w.canAppend(150));
+    ASSERT_TRUE(w.replace(5, bigger, 0));
+    EXPECT_EQ(w.view().computedFreeSpace(), w.view().freeSpace());
+    for (unsigned k = 0; k < rows.size(); ++k) {
+        if (k == 3) continue;
+        auto r = w.view().row(k);
+        const auto& want = k == 5 ? bigger : rows[k];
+        EXPECT_TRUE(std::equal(r.begin(), r.end(), want.begin(), want.end())) << k;
+    }
+    EXPECT_FALSE(w.replace(6, std::vector<uint8_t>(400, 1), 0)) << "a row that cannot fit leaves the page alone";
+    EXPECT_EQ(18u, w.liveRows());
+    for (unsigned k = 0; k < rows.size(); ++k) w.setFlags(k, jet::slot_flag::Deleted);
+    EXPECT_TRUE(w.holdsNothing());
+}
+
+// A table's maps on a writable copy, inside a transaction that is rolled back at the end.
+struct MapFixture {
+    explicit MapFixture(const char* file)
+        : copy(file, jet::testkit::TempDir::Place::InMemory), db(jet::Database::open(copy.path())), tx(*db) {}
+    jet::testkit::WritableCopy copy;
+    std::unique_ptr<jet::Database> db;
+    jet::Transaction tx;
+};
+
+TEST(UsageMapWriter, AnInlineMapMovesItsWindowOrBecomesAReferenceMap) {
+    MapFixture m("testIndexPropertiesV2003.mdb");
+    auto table = m.db->openTable("TableIgnoreNulls1_temp");
+    const uint32_t pointer = table->def().freeMap();
+    auto read = [&] { return jet::UsageMap::read(m.db->pager(), m.db->format(), pointer); };
+    const auto before = read().pages();
+    jet::UsageMapWriter w(m.db->pager(), m.db->format(), pointer, m.tx.allocator());
+    for (uint32_t p : before) w.remove(p);
+    w.add(3001);  // the empty map moves its window to 3000
+    EXPECT_EQ(jet::UsageMap::Kind::Inline, read().kind());
+    EXPECT_EQ(3000u, read().startPage());
+    w.add(3400);
+    EXPECT_EQ((std::vector<uint32_t>{3001, 3400}), read().pages());
+    w.add(40000);  // 37,000 pages apart: only a reference map spans that
+    EXPECT_EQ(jet::UsageMap::Kind::Reference, read().kind());
+    EXPECT_EQ((std::vector<uint32_t>{3001, 3400, 40000}), read().pages());
+    w.remove(3400);
+    w.remove(12345);  // not in the map: nothing happens
+    EXPECT_EQ((std::vector<uint32_t>{3001, 40000}), read().pages());
+    // Its usage-map pages were allocated like any page: marked used in the global map.
+    auto global = jet::UsageMap::read(m.db->pager(), m.db->format(), 1u << 8);
+    for (uint32_t mapPage : read().mapPages())
+        if (mapPage) EXPECT_FALSE(global.contains(mapPage));
+}
+
+class GlobalMap : public ::testing::TestWithParam<std::pair<const char*, uint32_t>> {};
+INSTANTIATE_TEST_SUITE_P(Files, GlobalMap,
+                         ::testing::Values(std::pair{"compIndexTestV2003.mdb", 1500u},
+                                           std::pair{"compIndexTestV1997.mdb", 3000u},
+                                           std::pair{"compIndexTestV1997.mdb", 16500u}));
+
+TEST_P(GlobalMap, GrowsWithTheFileAndStaysExact) {
+    auto [file, pages] = GetParam();
+    jet::testkit::WritableCopy copy(file, jet::testkit::TempDir::Place::InMemory);
+    auto db = jet::Database::open(copy.path());
+    const uint32_t first = db->pager().pageCount();
+    {
+        jet::Transaction tx(*db);
+        for (uint32_t k = 0; k < pages; ++k) {
+            const uint32_t p = tx.allocator().allocate();
+            ASSERT_GE(p, first);
+            // Give each page an owner the checker accepts: a data page of no table.
+            jet::DataPageWriter(db->format(), db->pager().writable(p)).initialize(0);
+        }
+        tx.commit();
+    }
+    db.reset();
+    db = jet::Database::open(copy.path());
+    const auto global = jet::UsageMap::read(db->pager(), db->format(), 1u << 8);
+    for (uint32_t p = first; p < db->pager().pageCount(); ++p) ASSERT_FALSE(global.contains(p)) << p;
+    const uint32_t end = db->pager().pageCount();
+    EXPECT_TRUE(global.kind() == jet::UsageMap::Kind::Reference || global.contains(end)) << "pages past the end are free";
+    if (pages > 15000) EXPECT_EQ(jet::UsageMap::Kind::Reference, global.kind());
+}
+
+}  // namespace

@@ -19,6 +19,7 @@
 #include "jet/Database.h"
 #include "jet/Recordset.h"
 #include "jet/Table.h"
+#include "jet/Transaction.h"
 #include "testkit/WritableCopy.h"
 
 namespace {
@@ -414,6 +415,44 @@ TEST(TableWrite, AutoNumbersCountOnAndAnExplicitLargerValueRaisesTheCounter) {
     EXPECT_EQ(int32_t(last + 101), s.rs.Fields()[counter->name].Value().asLong());
     EXPECT_EQ(jet::err::MultipleStepErrors, errorOf([&] { s.rs.Fields()[counter->name].setValue(Variant::longValue(5)); }));
     s.expectClean();
+}
+
+}  // namespace
+
+namespace {
+
+TEST(TableWrite, WriteAccessIsTakenAtTheFirstChangeAndAnotherOpenerBlocksIt) {
+    WritableCopy copy("testV2000.mdb");
+    const std::string lockFile = copy.dir().file("testV2000.ldb");
+    auto first = jet::Database::open(copy.path());
+    auto second = jet::Database::open(copy.path());  // readers share the file
+    EXPECT_FALSE(std::filesystem::exists(lockFile)) << "reading takes no lock file";
+    EXPECT_EQ(jet::err::Unspecified, errorOf([&] { jet::Transaction tx(*first); })) << "another opener reads it";
+    second.reset();
+    {
+        jet::Transaction tx(*first);
+        tx.commit();
+    }
+    EXPECT_TRUE(std::filesystem::exists(lockFile)) << "a writer keeps the lock file";
+    EXPECT_EQ(jet::err::Unspecified, errorOf([&] { jet::Database::open(copy.path()); })) << "in use by a writer";
+    first.reset();
+    EXPECT_FALSE(std::filesystem::exists(lockFile));
+    EXPECT_NO_THROW(jet::Database::open(copy.path()));
+}
+
+TEST(TableWrite, ClosingTheRecordSetDropsRowsThatWereNeverSent) {
+    Session s("testV1997.mdb");
+    s.open("Table1");
+    const int before = s.rs.RecordCount();
+    s.rs.AddNew();
+    s.rs.Fields()["A"].setValue(Variant::string("never sent"));
+    s.rs.AddNew();
+    EXPECT_EQ(before + 2, s.rs.RecordCount());
+    s.rs.MovePrevious();
+    EXPECT_EQ("never sent", s.text("A"));
+    s.rs.Close();
+    s.open("Table1");
+    EXPECT_EQ(before, s.rs.RecordCount());
 }
 
 }  // namespace

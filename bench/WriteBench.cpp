@@ -109,6 +109,8 @@ int main(int argc, char** argv) {
         start = Clock::now();
         const auto check = jet::check(*db);
         std::printf("%-44s %s (%.2f s)\n", "integrity check", check.clean() ? "clean" : "PROBLEMS", since(start));
+        for (size_t i = 0; i < check.issues.size() && i < 5; ++i)
+            std::printf("  %s: %s\n", check.issues[i].where.c_str(), check.issues[i].problem.c_str());
     }
 
     // 3: the full scan of a large table.
@@ -116,6 +118,12 @@ int main(int argc, char** argv) {
     {
         auto db = jet::Database::open(big);
         report("generate for the scan, one transaction", m, generate(*db, m, rng));
+        const auto start = Clock::now();
+        const auto check = jet::check(*db);
+        std::printf("%-44s %s (%.2f s)\n", "integrity check of the large file", check.clean() ? "clean" : "PROBLEMS",
+                    since(start));
+        for (size_t i = 0; i < check.issues.size() && i < 5; ++i)
+            std::printf("  %s: %s\n", check.issues[i].where.c_str(), check.issues[i].problem.c_str());
     }
     std::printf("file of %.1f MB\n", double(fs::file_size(big)) / 1e6);
     auto start = Clock::now();

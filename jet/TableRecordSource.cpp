@@ -81,6 +81,8 @@ std::vector<size_t> TableRecordSource::pendingRows() const {
 }
 
 void TableRecordSource::send(const std::vector<size_t>& rows) {
+    // Nothing to send touches nothing: not even write access is asked for.
+    if (std::none_of(rows.begin(), rows.end(), [&](size_t r) { return pending_.count(rows_[r]) != 0; })) return;
     std::vector<std::pair<size_t, RowLocation>> inserted;
     {
         Transaction tx(*db_);

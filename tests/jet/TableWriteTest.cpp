@@ -368,6 +368,7 @@ TEST(TableWrite, AReadOnlyFileOpensForReadingAndRefusesWritesClearly) {
         Recordset rs;
         rs.Open("SELECT * FROM Table1", cn, 2, 4);
         if (rs.RecordCount() == 0) return "no rows read";
+        rs.UpdateBatch(3);  // nothing to send: no error
         rs.AddNew();
         try {
             rs.Update();
@@ -453,6 +454,28 @@ TEST(TableWrite, ClosingTheRecordSetDropsRowsThatWereNeverSent) {
     s.rs.Close();
     s.open("Table1");
     EXPECT_EQ(before, s.rs.RecordCount());
+}
+
+}  // namespace
+
+namespace {
+
+TEST(TableWrite, AKeyThatCannotBeEncodedExactlyIsRefusedNamingTheIndex) {
+    Session s("testIndexPropertiesV2003.mdb");
+    const std::string original = s.fileBytes();
+    s.open("TableUnique1_temp");
+    s.rs.AddNew();
+    s.rs.Fields()["row"].setValue(Variant::string("\xE6\x97\xA5\xE6\x9C\xAC"));  // no known sort codes
+    try {
+        s.rs.Update();
+        FAIL() << "a key without known sort codes was written";
+    } catch (const jet::RuntimeError& e) {
+        EXPECT_NE(std::string::npos, e.description().find("PrimaryKey")) << e.description();
+    }
+    s.rs.CancelUpdate();
+    s.rs.Close();
+    s.cn.Close();
+    EXPECT_EQ(original, s.fileBytes());
 }
 
 }  // namespace

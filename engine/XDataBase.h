@@ -106,9 +106,25 @@ public:
     int32_t RecordCount();
     // Moves count records from the current one, then reads the field.
     QString Item(const QString& fieldName, int32_t count);
+    // Moves count records, then writes the field; the value stays pending until AddValue
+    // or AddNewLine sends the record set's changes.
+    void setItem(const QString& fieldName, int32_t count, const QString& value);
     // The name of field index - 1. Captions are not stored: the let does nothing.
     QString CaptionOfField(int32_t index);
     void setCaptionOfField(int32_t index, const QString& text);
+
+    // ---- Cell and row editing
+
+    // Writes the cell of that 1-based row and sends every pending change with it.
+    // "Error of editing!" and False on an error.
+    bool AddValue(const QString& fieldName, int32_t row, const QString& value);
+    // Appends a row numbered in its first column with the new record count. False on an
+    // error, without a message.
+    bool AddNewLine();
+    // Shows the first record's first value, then deletes the 1-based row and closes the
+    // record set. On an error the error's description in a box titled "Number:" and its
+    // number, and False.
+    bool DeleteRecord(int32_t row);
 
     // ---- What the rest of the program and the tests look at
 

@@ -11,13 +11,22 @@
 #include <QFile>
 #include <QTemporaryDir>
 
+#include "../support/RunTimeErrorOf.h"
+
 #include "app/ModMain.h"
 #include "engine/XDataBase.h"
 #include "host/Registry.h"
 #include "host/RegistryKeys.h"
 #include "jet/Checker.h"
+#include "jet/RuntimeError.h"
 #include "ui/ScriptedUiServices.h"
 #include "ui/dialogs/Dialogs.h"
+
+// Failure messages show texts, not their UTF-16 units.
+inline void PrintTo(const QString& text, std::ostream* os)
+{
+    *os << '"' << text.toStdString() << '"';
+}
 
 class EngineFixture : public testing::Test {
 protected:
@@ -76,6 +85,40 @@ protected:
         return target;
     }
 
+    // Opens a copy of the corpus file, then forgets what opening it sent.
+    void openCopy(const QString& fixture)
+    {
+        file = copyOf(fixture);
+        ASSERT_TRUE(db().OpenDataBase(file));
+        sql.clear();
+        connectionStrings.clear();
+    }
+
+    // What the file holds now, read by opening it afresh: its tables, and one column of a
+    // table (Null as "<Null>").
+    QStringList tablesInFile()
+    {
+        EXPECT_TRUE(db().OpenDataBase(file));
+        return tables();
+    }
+    QStringList columnInFile(const QString& table, const QString& column)
+    {
+        EXPECT_TRUE(db().OpenDataBase(file));
+        db().setCurrentTable(table);
+        QStringList values;
+        if (db().RecordCount() == 0)
+            return values;
+        for (db().MoveFirst(); !db().EndOfRecords(); db().MoveNext()) {
+            try {
+                values.append(db().GetCurrentRecord(column));
+            } catch (const jet::RuntimeError& e) {
+                EXPECT_EQ(e.number(), jet::err::InvalidUseOfNull);
+                values.append("<Null>");
+            }
+        }
+        return values;
+    }
+
     static engine::XDataBase& db() { return app::gDataBase(); }
 
     QStringList tables() const { return db().Tables().items(); }
@@ -103,6 +146,7 @@ protected:
     ui::UiServicesScope use{fake};
     QStringList connectionStrings;
     QStringList sql;
+    QString file;  // the copy openCopy opened
 
 private:
     QByteArray savedRegistry_;

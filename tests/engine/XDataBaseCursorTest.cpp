@@ -4,8 +4,6 @@
 #include "Areas.h"
 #include "EngineFixture.h"
 
-#include "../support/RunTimeErrorOf.h"
-
 #include "jet/Connection.h"
 #include "jet/Locale.h"
 #include "jet/Recordset.h"
@@ -19,9 +17,7 @@ protected:
     void SetUp() override
     {
         EngineFixture::SetUp();
-        ASSERT_TRUE(db().OpenDataBase(copyOf("indexTestV1997.mdb")));
-        sql.clear();
-        connectionStrings.clear();
+        openCopy("indexTestV1997.mdb");
     }
 };
 

@@ -1,0 +1,85 @@
+// Writing cells, adding and deleting rows. Written values
+// stay pending in the record set (it is opened batch-optimistic) until AddValue sends the
+// whole batch or a row update sends its row.
+
+#include "engine/XDataBase.h"
+#include "host/ErrorTrap.h"
+#include "host/VbError.h"
+#include "jet/Recordset.h"
+#include "ui/UiServices.h"
+
+namespace engine {
+
+namespace {
+
+constexpr int32_t adAffectCurrent = 1;
+constexpr int32_t adAffectAll = 3;
+
+jet::Variant textValue(const QString& text)
+{
+    return jet::Variant::string(text.toStdString());
+}
+
+// Row arithmetic in the run time's Long: leaving its range is Overflow.
+int32_t rowOffset(int32_t row)
+{
+    if (row == INT32_MIN)
+        throw host::vbError(host::vberr::Overflow);
+    return row - 1;
+}
+
+}  // namespace
+
+void XDataBase::setItem(const QString& fieldName, int32_t count, const QString& value)
+{
+    recordset_->Move(count);
+    recordset_->Fields()[fieldName.toStdString()].setValue(textValue(value));
+}
+
+bool XDataBase::AddValue(const QString& fieldName, int32_t row, const QString& value)
+{
+    const auto error = host::trapError([&] {
+        if (!recordsetOpen())
+            reopenRecordset();
+        recordset_->MoveFirst();
+        recordset_->Move(rowOffset(row));
+        recordset_->Fields()[fieldName.toStdString()].setValue(textValue(value));
+        recordset_->UpdateBatch(adAffectAll);
+    });
+    if (!error)
+        return true;
+    ui::UiServices::current().messageBox(QStringLiteral("Error of editing!"), ui::vbOKOnly | ui::vbCritical);
+    return false;
+}
+
+bool XDataBase::AddNewLine()
+{
+    return !host::trapError([&] {
+        recordset_->AddNew();
+        recordset_->Fields()[0].setValue(jet::Variant::longValue(recordset_->RecordCount()));
+        recordset_->Update();
+    });
+}
+
+bool XDataBase::DeleteRecord(int32_t row)
+{
+    ui::UiServices& services = ui::UiServices::current();
+    const auto error = host::trapError([&] {
+        if (!recordsetOpen())
+            reopenRecordset();
+        recordset_->MoveFirst();
+        // Shown before every deletion, whatever row goes; a Null shows as an empty box.
+        const jet::Variant first = recordset_->Fields()[0].Value();
+        services.messageBox(first.isNull() ? QString() : QString::fromStdString(first.toString()), ui::vbOKOnly);
+        recordset_->Move(rowOffset(row));
+        recordset_->Delete(adAffectCurrent);
+        recordset_->MoveFirst();
+        recordset_->Close();
+    });
+    if (!error)
+        return true;
+    services.messageBox(host::descriptionOf(*error), ui::vbCritical, QStringLiteral("Number:") + QString::number(error->number()));
+    return false;
+}
+
+}  // namespace engine

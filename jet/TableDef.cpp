@@ -213,4 +213,48 @@ const LongValueMaps* TableDef::longValueMapsOf(uint16_t columnNumber) const {
     return nullptr;
 }
 
+bool TableDef::columnIsIndexed(uint16_t columnNumber) const {
+    for (const auto& x : physical_)
+        for (const auto& c : x.columns)
+            if (c.columnNumber == columnNumber) return true;
+    return false;
+}
+
+TableDef TableDef::blank(Version version, uint8_t tableType) {
+    TableDef d;
+    d.version_ = version;
+    d.tableType_ = tableType;
+    d.hasEndMarker_ = true;
+    return d;
+}
+
+void TableDef::addColumn(Column column) {
+    uint16_t next = 0;
+    for (const auto& c : columns_) next = std::max<uint16_t>(next, uint16_t(c.descriptorIndex + 1));
+    column.descriptorIndex = next;
+    auto at = std::upper_bound(columns_.begin(), columns_.end(), column.number,
+                               [](uint16_t n, const Column& c) { return n < c.number; });
+    columns_.insert(at, std::move(column));
+}
+
+void TableDef::removeColumn(uint16_t number) {
+    std::erase_if(columns_, [&](const Column& c) { return c.number == number; });
+}
+
+void TableDef::renameColumn(uint16_t number, std::string name) {
+    for (auto& c : columns_)
+        if (c.number == number) c.name = std::move(name);
+}
+
+void TableDef::addPhysicalIndex(PhysicalIndex index) {
+    index.number = uint32_t(physical_.size());
+    physical_.push_back(std::move(index));
+}
+
+void TableDef::addLogicalIndex(LogicalIndex index) { logical_.push_back(std::move(index)); }
+
+void TableDef::removeLongValueMaps(uint16_t columnNumber) {
+    std::erase_if(longValueMaps_, [&](const LongValueMaps& m) { return m.columnNumber == columnNumber; });
+}
+
 }  // namespace jet

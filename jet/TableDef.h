@@ -10,6 +10,9 @@
 //    Column::descriptorIndex keeps the file order).
 //  - Everything needed to write the definition back is kept: the whole stream (stream()),
 //    and for each descriptor its raw bytes, so fields nobody interprets survive a rewrite.
+//  - A schema change edits a copy through the members under "Editing" and writes it back
+//    as a whole (TableDefSerializer.h); the header's counts follow the lists, so a copy
+//    never announces more columns or indexes than it holds.
 
 #include <cstdint>
 #include <optional>
@@ -140,6 +143,25 @@ public:
     const Column* findColumn(std::string_view name) const;  // case-insensitive
     const Column* columnByNumber(uint16_t number) const;
     const LongValueMaps* longValueMapsOf(uint16_t columnNumber) const;
+    // The physical indexes that key on a column.
+    bool columnIsIndexed(uint16_t columnNumber) const;
+
+    // Editing. A definition made from nothing has no stream yet; its header starts from the
+    // constants a new definition carries.
+    static TableDef blank(Version version, uint8_t tableType);
+    void setPages(std::vector<uint32_t> pages) { pages_ = std::move(pages); }
+    void setRowCount(uint32_t n) { rowCount_ = n; }
+    void setMaxColumns(uint16_t n) { maxColumns_ = n; }
+    void setVarColumns(uint16_t n) { varColumns_ = n; }
+    void setMaps(uint32_t ownedMap, uint32_t freeMap) { ownedMap_ = ownedMap; freeMap_ = freeMap; }
+    // The column joins the end of the descriptor list; columns() stays sorted by number.
+    void addColumn(Column column);
+    void removeColumn(uint16_t number);
+    void renameColumn(uint16_t number, std::string name);
+    void addPhysicalIndex(PhysicalIndex index);
+    void addLogicalIndex(LogicalIndex index);
+    void addLongValueMaps(LongValueMaps maps) { longValueMaps_.push_back(maps); }
+    void removeLongValueMaps(uint16_t columnNumber);
 
 private:
     Version version_ = Version::Jet4;

@@ -1,6 +1,7 @@
 #include "DateSerial.h"
 
 #include <cmath>
+#include <ctime>
 
 #include "RuntimeError.h"
 
@@ -55,6 +56,14 @@ double dateSerial(const DateParts& p) {
     double day = double(daysFromCivil(p.year, p.month, p.day) - epochDays);
     double time = (p.hour * 3600.0 + p.minute * 60.0 + p.second) / 86400.0;
     return day >= 0 ? day + time : day - time;
+}
+
+double nowSerial() {
+    const std::time_t t = std::time(nullptr);
+    std::tm local{};
+    localtime_r(&t, &local);
+    return dateSerial({local.tm_year + 1900, local.tm_mon + 1, local.tm_mday, local.tm_hour, local.tm_min,
+                       local.tm_sec});
 }
 
 }  // namespace jet

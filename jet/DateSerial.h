@@ -17,5 +17,7 @@ struct DateParts {
 // (overflow) for a value no calendar date has (not finite, or beyond +-10 million days).
 DateParts dateParts(double serial);
 double dateSerial(const DateParts& parts);
+// The local time now, to the second (what Jet stamps on catalogue rows).
+double nowSerial();
 
 }  // namespace jet

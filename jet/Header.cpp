@@ -22,6 +22,21 @@ constexpr uint32_t passwordOffset = 0x42;
 constexpr uint32_t jet4SortOrderOffset = 0x6E;
 constexpr uint32_t creationDateOffset = 0x72;
 
+// What a new file carries where Access files hold constants of unknown meaning.
+constexpr uint8_t fixedRun[24] = {0x00, 0x01, 0x00, 0x00, 0x01, 0x01, 0x00, 0x00, 0x02, 0x00, 0x00, 0x00,
+                                  0x03, 0x00, 0x00, 0x00, 0x04, 0x00, 0x00, 0x00, 0x05, 0x00, 0x00, 0x00};
+constexpr uint32_t fixedRunOffset = 0x18;
+constexpr uint32_t jet3FlagOffset = 0x38;
+constexpr uint32_t jet3ObservedOffset = 0x56;
+constexpr uint32_t jet4ObservedOffset = 0x6A;
+constexpr uint32_t jet4VersionTextOffset = 0x98;
+constexpr uint8_t jet4VersionText[8] = {0x54, 0x06, 0x00, 0x00, '4', '.', '0', 0x00};
+constexpr uint32_t trailerWords = 256;
+// The creation date of the engine-written file whose SIDs new Jet 4 files reuse
+// (42850.48..., April 2017).
+constexpr uint64_t referenceCreationDate = 0x40E4EC4F6BD4AF81ull;
+constexpr uint16_t generalSortOrder = 0x0409;
+
 RuntimeError unrecognized(const std::string& path) {
     return RuntimeError(err::Unspecified, "Unrecognized database format '" + path + "'.");
 }
@@ -38,6 +53,35 @@ void jet4PasswordMask(double date, uint8_t out[4]) {
 void Header::applyMask(Version version, uint8_t* page0) {
     static const uint8_t key[4] = {0xC7, 0xDA, 0x39, 0x6B};
     rc4Apply(key, 4, page0 + maskStart, Format::of(version).headerMaskLength());
+}
+
+std::vector<uint8_t> Header::newPage(Version version, uint16_t codePage) {
+    const Format& f = Format::of(version);
+    std::vector<uint8_t> page(f.pageSize, 0);
+    uint8_t* b = page.data();
+    b[1] = 0x01;
+    std::memcpy(b + engineNameOffset, "Standard Jet DB", 15);
+    b[versionOffset] = version == Version::Jet3 ? 0x00 : 0x01;
+    std::memcpy(b + fixedRunOffset, fixedRun, sizeof fixedRun);
+    putLe16(b + codePageOffset, codePage);
+    if (version == Version::Jet3) {
+        b[jet3FlagOffset] = 0x01;
+        putLe16(b + jet3SortOrderOffset, generalSortOrder);
+        putLe16(b + jet3ObservedOffset, 0x251E);
+    } else {
+        putLe16(b + jet4ObservedOffset, 0x11A6);
+        putLe16(b + jet4SortOrderOffset, generalSortOrder);
+        putLe64(b + creationDateOffset, referenceCreationDate);
+        // An empty password is stored as the mask itself.
+        uint8_t mask[4];
+        jet4PasswordMask(lef64(b + creationDateOffset), mask);
+        for (uint32_t i = 0; i < f.passwordLength(); ++i) b[passwordOffset + i] = mask[i % 4];
+        std::memcpy(b + jet4VersionTextOffset, jet4VersionText, sizeof jet4VersionText);
+    }
+    uint8_t* trailer = b + f.pageSize - 2 * trailerWords;
+    for (uint32_t i = 0; i < trailerWords; ++i) putLe16(trailer + 2 * i, i == 0 ? 0x0101 : 0x0100);
+    applyMask(version, b);
+    return page;
 }
 
 Version Header::detectVersion(std::span<const uint8_t> first, const std::string& path) {

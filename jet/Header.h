@@ -47,6 +47,12 @@ public:
     // The RC4 mask over the header's masked region (applying it twice restores the bytes).
     static void applyMask(Version version, uint8_t* page0);
 
+    // Page 0 of a new database, masked and ready to write: no password, no database key,
+    // the "General" sort order and `codePage` (Jet 3 text is stored in it; Jet 4 files say
+    // 1252 whatever text they hold). Jet 4 files get the creation date and the observed
+    // constants of the engine's own new files, whose permission SIDs go with that date.
+    static std::vector<uint8_t> newPage(Version version, uint16_t codePage);
+
 private:
     Version version_ = Version::Jet4;
     uint16_t codePage_ = 0;

@@ -1,0 +1,64 @@
+#include "ColumnLayout.h"
+
+#include <algorithm>
+
+#include "IndexKey.h"
+
+namespace jet {
+
+Column columnFromSpec(const sql::ColumnSpec& spec, Version version, uint16_t codePage) {
+    Column c;
+    c.name = spec.name;
+    c.typeCode = uint8_t(spec.type);
+    c.flags = column_flag::Updatable;
+    c.collation = kGeneralCollation;
+    if (version == Version::Jet3) c.codePage = codePage;
+    switch (spec.type) {
+    case ColumnType::Text:
+        c.length = uint16_t(version == Version::Jet3 ? spec.length : 2 * spec.length);
+        break;
+    case ColumnType::Binary:
+        c.length = spec.length;
+        break;
+    case ColumnType::Memo:
+    case ColumnType::Ole:
+        break;
+    case ColumnType::Numeric:
+        c.collation = 0;
+        c.precision = spec.precision;
+        c.scale = spec.scale;
+        [[fallthrough]];
+    default:
+        c.flags |= column_flag::Fixed;
+        c.length = uint16_t(spec.type == ColumnType::Bool ? 1 : fixedSizeOf(c.typeCode));
+        if (spec.autoNumber) c.flags |= column_flag::AutoNumber;
+        break;
+    }
+    return c;
+}
+
+uint32_t fixedAreaSize(const TableDef& def) {
+    uint32_t end = 0;
+    for (const Column& c : def.columns())
+        if (c.isFixed() && c.type() != ColumnType::Bool) end = std::max<uint32_t>(end, c.fixedOffset + c.length);
+    return end;
+}
+
+uint16_t appendColumn(TableDef& def, Column column) {
+    column.number = def.maxColumns();
+    if (column.isFixed()) {
+        // Readers ignore the slot of a fixed column; Access keeps the slots given out before it.
+        column.varIndex = def.varColumns();
+        column.fixedOffset = column.type() == ColumnType::Bool ? 0 : uint16_t(fixedAreaSize(def));
+    } else {
+        column.varIndex = def.varColumns();
+        column.fixedOffset = 0;
+        def.setVarColumns(uint16_t(def.varColumns() + 1));
+    }
+    def.setMaxColumns(uint16_t(def.maxColumns() + 1));
+    const uint16_t number = column.number;
+    def.addColumn(std::move(column));
+    return number;
+}
+
+}  // namespace jet

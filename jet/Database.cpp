@@ -92,6 +92,8 @@ void Database::beginWrite() {
     pager_->begin();
 }
 
+void Database::reloadCatalog() { catalog_ = std::make_unique<Catalog>(Catalog::read(*this)); }
+
 void Database::reloadTableDef(uint32_t page) {
     defs_.erase(page);
     tableDef(page);

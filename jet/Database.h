@@ -65,6 +65,10 @@ public:
     void beginWrite();
     // Parses a definition again after a transaction changed its counters (or rolled back).
     void reloadTableDef(uint32_t page);
+    // After a schema change: the definition is parsed afresh when next asked for (a dropped
+    // table's is simply gone), and the catalogue is read again.
+    void forgetTableDef(uint32_t page) { defs_.erase(page); }
+    void reloadCatalog();
 
     // The bytes of a live row given by the slot that identifies it, following an overflow
     // header to where the data lives. `owner` is the table's TDEF page; a row on a page

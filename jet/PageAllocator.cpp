@@ -2,6 +2,8 @@
 
 #include <algorithm>
 #include <cstring>
+#include <functional>
+#include <stdexcept>
 #include <set>
 #include <vector>
 
@@ -39,9 +41,63 @@ void PageAllocator::checkReadable() {
 
 uint32_t PageAllocator::allocate() {
     checkReadable();
+    if (std::optional<uint32_t> reused = takeReleased()) {
+        markUsed(*reused);
+        return *reused;
+    }
     const uint32_t page = pager_.append();
     markUsed(page);
     return page;
+}
+
+std::optional<uint32_t> PageAllocator::takeReleased() {
+    if (!releasedKnown_) {
+        releasedKnown_ = true;
+        const std::vector<uint8_t> zeros(f_.pageSize, 0);
+        const UsageMap freePages = UsageMap::read(pager_, f_, globalMapPage << 8);
+        for (uint32_t page : freePages.pages()) {
+            if (page >= pager_.pageCount()) break;
+            if (page > globalMapPage && std::memcmp(pager_.read(page), zeros.data(), f_.pageSize) == 0)
+                released_.push_back(page);
+        }
+        std::reverse(released_.begin(), released_.end());
+    }
+    if (released_.empty()) return std::nullopt;
+    const uint32_t page = released_.back();
+    released_.pop_back();
+    return page;
+}
+
+void PageAllocator::release(uint32_t page) {
+    if (page <= globalMapPage || page >= pager_.pageCount())
+        throw std::logic_error("page " + std::to_string(page) + " cannot be given back");
+    checkReadable();
+    std::memset(pager_.writable(page), 0, f_.pageSize);
+    markFree(page);
+    if (releasedKnown_ && std::find(released_.begin(), released_.end(), page) == released_.end()) {
+        released_.push_back(page);
+        std::sort(released_.begin(), released_.end(), std::greater<>());
+    }
+}
+
+// A page the map cannot mark free (below an inline map's window, or in a window without a
+// map page) just stays in use: that wastes it, and never invites anyone to overwrite it.
+void PageAllocator::markFree(uint32_t page) {
+    DataPage view(f_, pager_.read(globalMapPage));
+    const auto r = view.row(0);
+    if (r[0] == 0) {
+        const uint32_t start = le32(r.data() + 1);
+        if (page < start || page - start >= uint64_t(r.size() - inlineHeader) * 8) return;
+        uint8_t* bits = pager_.writable(globalMapPage) + view.slotOffset(0) + inlineHeader;
+        bits[(page - start) / 8] |= uint8_t(1u << ((page - start) % 8));
+        return;
+    }
+    const uint32_t k = page / f_.pagesPerMapPage;
+    if (k >= (r.size() - 1) / 4) return;
+    const uint32_t mapPage = le32(r.data() + 1 + 4 * k);
+    if (mapPage == 0 || mapPage >= pager_.pageCount() || pager_.read(mapPage)[0] != page_type::UsageMap) return;
+    const uint32_t i = page % f_.pagesPerMapPage;
+    pager_.writable(mapPage)[4 + i / 8] |= uint8_t(1u << (i % 8));
 }
 
 uint32_t PageAllocator::allocateMapPage(bool allSet) {

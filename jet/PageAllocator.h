@@ -1,6 +1,7 @@
 #pragma once
-// Hands out new pages for one write transaction: always at the end of the file, each one
-// marked in use in the global map (page 1, row 0, where a set bit means free).
+// Hands out pages for one write transaction, each one marked in use in the global map
+// (page 1, row 0, where a set bit means free), and takes back pages a dropped structure
+// gave up.
 //
 // Invariants:
 //  - A page is handed out only after the global map says it is in use. When the file
@@ -9,10 +10,15 @@
 //    reference map whose usage-map pages start all free and have every page in use cleared.
 //  - A global map that cannot be read is never guessed at: allocation is refused with a
 //    clear error, and the caller's transaction rolls back.
-//  - Pages are never taken from the free bits of the map: reusing a page means knowing that
-//    nothing refers to it, which a map alone cannot tell.
+//  - A free bit alone never makes a page reusable: Access leaves freed pages with their old
+//    contents, and the map cannot tell whether anything still refers to them. A page is
+//    reused only when it is marked free and is all zeros, which is how release() leaves
+//    it (no live structure is an all-zero page: every one starts with its type byte, and
+//    page 0 is never given out). Otherwise new pages come from the end of the file.
 
 #include <cstdint>
+#include <optional>
+#include <vector>
 
 #include "Format.h"
 
@@ -24,8 +30,12 @@ class PageAllocator {
 public:
     PageAllocator(Pager& pager, const Format& format) : pager_(pager), f_(format) {}
 
-    // A new zeroed page at the end of the file, in use in the global map.
+    // A zeroed page in use in the global map: the lowest released one, else a new one at
+    // the end of the file.
     uint32_t allocate();
+    // Takes a page back: its contents are cleared and the global map marks it free. The
+    // caller makes sure that nothing refers to it any more.
+    void release(uint32_t page);
     // A new usage-map page (type 0x05) with all bits clear, or all set for the global map.
     uint32_t allocateMapPage(bool allSet = false);
 
@@ -36,10 +46,14 @@ private:
     void lengthenInline(uint32_t page);
     void convertToReference();
     void checkReadable();
+    void markFree(uint32_t page);
+    std::optional<uint32_t> takeReleased();
 
     Pager& pager_;
     const Format& f_;
     bool checked_ = false;
+    bool releasedKnown_ = false;
+    std::vector<uint32_t> released_;  // reusable pages, highest first
 };
 
 }  // namespace jet

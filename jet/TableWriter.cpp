@@ -249,6 +249,19 @@ void TableWriter::removeLongValues(std::span<const uint8_t> row) {
     }
 }
 
+void TableWriter::relayOut(RowLocation at, uint16_t varColumnsWritten) {
+    const auto stored = db_.rowBytes(at, def_->page());
+    const std::vector<uint8_t> oldRow(stored.begin(), stored.end());
+    const RowReader before(db_.format(), varColumnsWritten, oldRow);
+    std::vector<StoredValue> values(def_->columns().size());
+    for (size_t i = 0; i < values.size(); ++i) {
+        ColumnBytes old = before.column(def_->columns()[i]);
+        values[i].present = old.present;
+        values[i].bytes.assign(old.bytes.begin(), old.bytes.end());
+    }
+    place(at, encodeRow(db_.format(), *def_, values));
+}
+
 void TableWriter::remove(RowLocation at) {
     const std::vector<uint8_t> oldRow = [&] {
         auto bytes = db_.rowBytes(at, def_->page());

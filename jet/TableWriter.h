@@ -58,6 +58,11 @@ public:
     // Changes the given columns (position in def().columns(), value) of a live row.
     void update(RowLocation row, const std::vector<std::pair<size_t, Variant>>& changes);
     void remove(RowLocation row);
+    // Writes a live row again in the table's current layout, its values unchanged. For rows
+    // written while the table had no variable-length column (`varColumnsWritten` 0): they
+    // have no variable section, which readers of a table that has one would misparse.
+    // Keys stay the same, so no index changes.
+    void relayOut(RowLocation row, uint16_t varColumnsWritten);
 
 private:
     StoredValue store(size_t column, const Variant& value, bool keepInline, std::vector<std::vector<uint8_t>>& written);

@@ -10,6 +10,7 @@
 //    readers see the counters the file now holds.
 
 #include <map>
+#include <set>
 #include <memory>
 #include <string_view>
 
@@ -31,7 +32,14 @@ public:
 
     // The writer of a table (by name, as Database::openTable finds it), one per table.
     TableWriter& table(std::string_view name);
+    // The writer of the table whose definition starts on `tdefPage`, for tables the
+    // catalogue does not list yet (the system tables of a new file).
+    TableWriter& table(uint32_t tdefPage, std::string_view name);
     PageAllocator& allocator() { return allocator_; }
+    // The schema writer rewrote or dropped this table's definition: the parsed copy is
+    // dropped now, and once more with the catalogue when the transaction ends, committed
+    // or rolled back, so nobody keeps seeing a definition the file no longer holds.
+    void schemaChanged(uint32_t tdefPage);
     Database& database() { return db_; }
 
     void commit();
@@ -45,6 +53,7 @@ private:
     bool open_ = false;
     PageAllocator allocator_;
     std::map<uint32_t, std::unique_ptr<TableWriter>> writers_;
+    std::set<uint32_t> schemaChanged_;
 };
 
 }  // namespace jet

@@ -5,6 +5,8 @@
 #include "Env.h"
 #include "Recordset.h"
 #include "Schema.h"
+#include "SchemaWriter.h"
+#include "SqlParser.h"
 #include "Utf.h"
 
 namespace jet {
@@ -60,6 +62,13 @@ void Connection::Close() {
 std::shared_ptr<Database> Connection::database() const {
     if (!db_) throw closedError();
     return db_;
+}
+
+void Connection::Execute(const std::string& commandText, int32_t* recordsAffected, int32_t) {
+    if (!db_) throw closedError();
+    const sql::Statement statement = sql::parse(commandText);
+    SchemaWriter(*db_).run(statement);
+    if (recordsAffected) *recordsAffected = 0;
 }
 
 std::shared_ptr<Recordset> Connection::OpenSchema(int32_t schema, const std::vector<Variant>& restrictions) {

@@ -43,6 +43,12 @@ public:
     void Close();
     int32_t State() const { return db_ ? ado::StateOpen : ado::StateClosed; }
 
+    // Runs one of the data-definition statements the SQL front end knows (SqlParser.h):
+    // CREATE TABLE, ALTER TABLE ... ADD/DROP/RENAME, DROP TABLE. Each is one transaction,
+    // all of it or nothing. `recordsAffected`, when given, is set to 0 as Jet reports for
+    // such statements; options are taken as ADO takes them (the program sends -1).
+    void Execute(const std::string& commandText, int32_t* recordsAffected = nullptr, int32_t options = -1);
+
     // Schema rowsets; only the tables schema (20) exists. Restrictions: catalog, schema,
     // table name, table type ("TABLE", "SYSTEM TABLE", "ACCESS TABLE", "LINK",
     // "PASS-THROUGH"); Empty entries do not restrict.

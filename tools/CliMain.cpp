@@ -4,6 +4,8 @@
 //   sheetwright-cli export FILE TABLE --format csv  a table as CSV on standard output
 //   sheetwright-cli check FILE                      integrity check; exit 0 when clean
 //   sheetwright-cli load FILE TABLE CSVFILE         appends the CSV's rows: all of them or none
+//   sheetwright-cli create FILE --version 3|4       a new, empty database (Access 97 or 2000)
+//   sheetwright-cli sql FILE STATEMENT              runs CREATE TABLE, ALTER TABLE or DROP TABLE
 //
 // Any error ends the program with status 1 and one line on standard error; a wrong
 // command line gives status 2 and the usage.
@@ -19,6 +21,7 @@
 #include "CsvImport.h"
 #include "jet/Checker.h"
 #include "jet/Connection.h"
+#include "jet/NewDatabase.h"
 #include "jet/Recordset.h"
 #include "jet/RuntimeError.h"
 
@@ -30,7 +33,9 @@ const char* usage =
     "usage: sheetwright-cli tables FILE\n"
     "       sheetwright-cli export FILE TABLE --format csv\n"
     "       sheetwright-cli check FILE\n"
-    "       sheetwright-cli load FILE TABLE CSVFILE\n";
+    "       sheetwright-cli load FILE TABLE CSVFILE\n"
+    "       sheetwright-cli create FILE --version 3|4\n"
+    "       sheetwright-cli sql FILE STATEMENT\n";
 
 // The newer provider opens both formats.
 void openFile(jet::Connection& cn, const std::string& file) {
@@ -91,6 +96,21 @@ int load(const Args& a) {
     return 0;
 }
 
+int create(const Args& a) {
+    if (a.size() != 3 || a[1] != "--version") throw std::invalid_argument("create takes FILE --version 3|4");
+    if (a[2] != "3" && a[2] != "4") throw std::invalid_argument("unknown version '" + a[2] + "' (3 or 4)");
+    jet::createDatabase(a[0], a[2] == "3" ? jet::Version::Jet3 : jet::Version::Jet4);
+    return 0;
+}
+
+int sql(const Args& a) {
+    if (a.size() != 2) throw std::invalid_argument("sql takes FILE STATEMENT");
+    jet::Connection cn;
+    openFile(cn, a[0]);
+    cn.Execute(a[1], nullptr, -1);
+    return 0;
+}
+
 }  // namespace
 
 int main(int argc, char** argv) {
@@ -106,6 +126,8 @@ int main(int argc, char** argv) {
         if (command == "export") return exportTable(args);
         if (command == "check") return check(args);
         if (command == "load") return load(args);
+        if (command == "create") return create(args);
+        if (command == "sql") return sql(args);
         std::cerr << "sheetwright-cli: unknown command '" << command << "'\n" << usage;
         return 2;
     } catch (const std::invalid_argument& e) {

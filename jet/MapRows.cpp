@@ -1,6 +1,7 @@
 #include "MapRows.h"
 
 #include <algorithm>
+#include <stdexcept>
 
 #include "DataPageWriter.h"
 #include "Database.h"
@@ -19,11 +20,22 @@ constexpr size_t recentTables = 3;
 
 }  // namespace
 
-bool MapRows::hasRoom(uint32_t page, uint32_t length) {
+bool MapRows::place(uint32_t page, const std::vector<uint8_t>& row, uint8_t& slot) {
     Pager& pager = t_.database().pager();
+    const Format& f = t_.database().format();
     if (page <= globalMapPage || page >= pager.pageCount()) return false;
-    DataPage view(t_.database().format(), pager.read(page));
-    return view.isDataPage() && view.owner() == usageMapOwner && DataPageWriter::canAppend(view, length);
+    DataPage view(f, pager.read(page));
+    if (!view.isDataPage() || view.owner() != usageMapOwner) return false;
+    for (unsigned k = 0; k < view.slotCount(); ++k) {
+        if (view.slotFlags(k) != 0 || !view.row(k).empty()) continue;
+        DataPageWriter writer(f, pager.writable(page));
+        if (!writer.replace(k, row, 0)) return false;
+        slot = uint8_t(k);
+        return true;
+    }
+    if (!DataPageWriter::canAppend(view, uint32_t(row.size()))) return false;
+    slot = DataPageWriter(f, pager.writable(page)).append(row);
+    return true;
 }
 
 // Usage-map pages are listed nowhere; the ones in use are found through the maps of the
@@ -52,20 +64,14 @@ std::vector<uint32_t> MapRows::candidatePages() {
 uint32_t MapRows::create() {
     Database& db = t_.database();
     const Format& f = db.format();
-    std::vector<uint8_t> row(inlineHeader + f.inlineMapBytes, 0);
-    uint32_t page = 0;
+    const std::vector<uint8_t> row(inlineHeader + f.inlineMapBytes, 0);
+    uint8_t slot = 0;
     for (uint32_t candidate : candidatePages())
-        if (hasRoom(candidate, uint32_t(row.size()))) {
-            page = candidate;
-            break;
-        }
-    if (page == 0) {
-        page = t_.allocator().allocate();
-        DataPageWriter(f, db.pager().writable(page)).initialize(usageMapOwner);
-    }
-    lastPage_ = page;
-    const uint8_t slot = DataPageWriter(f, db.pager().writable(page)).append(row);
-    return RowLocation{page, slot}.pointer();
+        if (place(candidate, row, slot)) return RowLocation{lastPage_ = candidate, slot}.pointer();
+    const uint32_t page = t_.allocator().allocate();
+    DataPageWriter(f, db.pager().writable(page)).initialize(usageMapOwner);
+    if (!place(page, row, slot)) throw std::logic_error("a map row does not fit on an empty page");
+    return RowLocation{lastPage_ = page, slot}.pointer();
 }
 
 MapRows::Contents MapRows::contents(uint32_t rowPointer) {
@@ -85,14 +91,13 @@ void MapRows::remove(uint32_t rowPointer) {
     const RowLocation at = RowLocation::fromPointer(rowPointer);
     if (at.page <= globalMapPage || at.page >= db.pager().pageCount()) return;
     DataPage view(f, db.pager().read(at.page));
-    if (!view.isDataPage() || view.owner() != usageMapOwner || at.slot >= view.slotCount() || view.isDeleted(at.slot))
+    if (!view.isDataPage() || view.owner() != usageMapOwner || at.slot >= view.slotCount() || view.slotFlags(at.slot) != 0)
         return;
-    DataPageWriter writer(f, db.pager().writable(at.page));
-    writer.setFlags(at.slot, slot_flag::Deleted);
-    if (writer.allDeleted()) {
-        t_.allocator().release(at.page);
-        if (lastPage_ == at.page) lastPage_ = 0;
-    }
+    DataPageWriter(f, db.pager().writable(at.page)).replace(at.slot, {}, 0);
+    for (unsigned k = 0; k < view.slotCount(); ++k)
+        if (view.slotFlags(k) != slot_flag::Deleted && !view.row(k).empty()) return;
+    t_.allocator().release(at.page);
+    if (lastPage_ == at.page) lastPage_ = 0;
 }
 
 }  // namespace jet

@@ -4,11 +4,16 @@
 // takes a dropped table's maps away again.
 //
 // Invariants:
-//  - A new map is an inline row (type 0, start page 0, the bitmap size Access uses),
-//    appended in a new slot of a usage-map page that has room, or of a new one.
-//  - A map is removed by marking its slot deleted; the row keeps its place, so the slots of
-//    other maps on the page never move. A usage-map page whose rows are all deleted is
-//    given back to the allocator (never page 1, which holds the global map).
+//  - A new map is an inline row (type 0, start page 0, the bitmap size Access uses), put
+//    into a retired slot of a usage-map page or appended in a new slot of one that has
+//    room, or of a new page.
+//  - A map is removed by retiring its slot: the row becomes empty (length 0) but stays
+//    live, and the page is repacked, so its bytes are free again and the slots of the other
+//    maps keep their numbers. No map is ever shorter than 5 bytes, so an empty row on a
+//    usage-map page can only be a retired one. Slots are not marked deleted because a
+//    reader of the independent tools misplaces every map row that follows a deleted slot.
+//  - A usage-map page whose rows are all retired is given back to the allocator (never
+//    page 1, which holds the global map).
 
 #include <cstdint>
 #include <vector>
@@ -33,7 +38,8 @@ public:
     void remove(uint32_t rowPointer);
 
 private:
-    bool hasRoom(uint32_t page, uint32_t length);
+    // Puts the row on the page, into a retired slot if it has one; false when it has no room.
+    bool place(uint32_t page, const std::vector<uint8_t>& row, uint8_t& slot);
     std::vector<uint32_t> candidatePages();
 
     Transaction& t_;

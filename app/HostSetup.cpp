@@ -1,14 +1,21 @@
 #include "app/HostSetup.h"
 
 #include <QDir>
+#include <QFile>
 #include <QFileInfo>
 
 #include "host/HostPath.h"
 #include "host/Registry.h"
 #include "host/RegistryKeys.h"
 #include "host/VbError.h"
+#include "jet/NewDatabase.h"
 
 namespace app {
+
+void makeTemplateDatabase(const QString& path)
+{
+    jet::createDatabase(QFile::encodeName(path).toStdString(), jet::Version::Jet3);
+}
 
 QString SetupDefaults::defaultDatabaseFolder()
 {

@@ -15,6 +15,10 @@ class Registry;
 
 namespace app {
 
+// The template maker the setup program uses: a new, empty Access 97 (Jet 3) database made by
+// the program's own engine, in the program's ANSI code page.
+void makeTemplateDatabase(const QString& path);
+
 struct SetupDefaults {
     QString languageFolder;
     QString languageFile = QStringLiteral("English.lng");

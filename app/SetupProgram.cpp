@@ -44,9 +44,7 @@ int main(int argc, char** argv)
     defaults.databaseFolder = app::SetupDefaults::defaultDatabaseFolder();
 
     host::Registry registry(host::Registry::defaultFolder());
-    // No template maker yet: the engine cannot create databases, so "empty97.mdb" is
-    // not made. Its database-creating call becomes HostSetup's third argument.
-    app::HostSetup setup(registry, defaults);
+    app::HostSetup setup(registry, defaults, app::makeTemplateDatabase);
     const bool ok = ui::runHandled([&] {
         const QStringList done = setup.run();
         std::printf("Settings in %s\n", qPrintable(registry.folder()));

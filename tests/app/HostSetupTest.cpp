@@ -8,6 +8,10 @@
 #include "app/HostSetup.h"
 #include "host/Registry.h"
 #include "host/RegistryKeys.h"
+#include "jet/Checker.h"
+#include "jet/Connection.h"
+#include "jet/Database.h"
+#include "jet/NewDatabase.h"
 #include "jet/RuntimeError.h"
 
 using namespace app;
@@ -120,4 +124,23 @@ TEST(SetupProgram, WritesTheDefaultsWhereTheEnvironmentPoints)
     EXPECT_TRUE(QFile::exists(languages + "/English.lng")) << languages.toStdString();
     EXPECT_EQ(registry.read(HKEY_LOCAL_MACHINE, keys::Database, QString()), dir.path() + "/data/Vorbex/Database");
     EXPECT_TRUE(QDir(dir.path() + "/data/Vorbex/Database").exists());
+    // The template an empty database is copied from, made by the engine.
+    jet::Connection cn;
+    cn.Open("Provider=microsoft.jet.OLEDB.3.51;Data Source=" + (dir.path() + "/data/Vorbex/Database/empty97.mdb").toStdString());
+    EXPECT_EQ(jet::Version::Jet3, cn.database()->version());
+}
+
+TEST_F(HostSetupTest, TheTemplateIsAnEmptyAccess97DatabaseInTheProgramsCodePage)
+{
+    HostSetup(registry, defaults(), makeTemplateDatabase).run();
+    const std::string path = (dir.path() + "/data/Database/empty97.mdb").toStdString();
+    jet::Connection cn;
+    cn.Open("Provider=microsoft.jet.OLEDB.3.51;Data Source=" + path);
+    EXPECT_EQ(jet::programCodePage(), cn.database()->header().codePage());
+    EXPECT_TRUE(cn.database()->catalog().userTables().empty());
+    // What a new database of the program then goes through first.
+    cn.Execute("CREATE TABLE Table1 (__custom INTEGER);");
+    EXPECT_NE(nullptr, cn.database()->catalog().findTable("Table1"));
+    cn.Close();
+    EXPECT_TRUE(jet::check(path).clean());
 }

@@ -116,4 +116,43 @@ TEST(Cli, CheckExitsZeroOnlyWhenClean) {
     EXPECT_NE(std::string::npos, bad.out.find("beyond the end of the file")) << bad.out;
 }
 
+TEST(Cli, CreateAndSqlMakeADatabaseAndChangeItsTables) {
+    const fs::path dir = fs::temp_directory_path() / ("sw_cli_ddl_" + std::to_string(::getpid()));
+    fs::create_directories(dir);
+    for (const char* version : {"3", "4"}) {
+        const std::string file = "'" + (dir / (std::string("new") + version + ".mdb")).string() + "'";
+        CliRun made = cli("create " + file + " --version " + version);
+        ASSERT_EQ(0, made.status) << made.err;
+        EXPECT_EQ("", made.out);
+        EXPECT_EQ(version[0] == '3' ? 36864u : 65536u, fs::file_size(dir / (std::string("new") + version + ".mdb")));
+        EXPECT_EQ(0, cli("sql " + file + " 'CREATE TABLE Sales (__custom INTEGER);'").status);
+        EXPECT_EQ(0, cli("sql " + file + " 'alter table Sales add Price DOUBLE'").status);
+        EXPECT_EQ("Sales\n", cli("tables " + file).out);
+        EXPECT_EQ("__custom,Price\n", cli("export " + file + " Sales --format csv").out);
+
+        // A refused statement: its number and Jet's text on one line, status 1.
+        CliRun exists = cli("sql " + file + " 'CREATE TABLE sales (a TEXT)'");
+        EXPECT_EQ(1, exists.status);
+        EXPECT_EQ(1u, lines(exists.err));
+        EXPECT_NE(std::string::npos, exists.err.find("Table 'sales' already exists.")) << exists.err;
+        EXPECT_NE(std::string::npos, exists.err.find("-2147217900"));
+        CliRun syntax = cli("sql " + file + " 'CREATE TABLE my table (a TEXT)'");
+        EXPECT_EQ(1, syntax.status);
+        EXPECT_NE(std::string::npos, syntax.err.find("Syntax error in CREATE TABLE statement.")) << syntax.err;
+        CliRun missing = cli("sql " + file + " 'DROP TABLE Nowhere'");
+        EXPECT_NE(std::string::npos, missing.err.find("-2147217865")) << missing.err;
+        EXPECT_EQ(0, cli("sql " + file + " 'DROP TABLE Sales;'").status);
+        EXPECT_EQ("", cli("tables " + file).out);
+        EXPECT_EQ(0, cli("check " + file).status);
+    }
+    CliRun nowhere = cli("create '" + (dir / "no/such/folder.mdb").string() + "' --version 3");
+    EXPECT_EQ(1, nowhere.status);
+    EXPECT_NE(std::string::npos, nowhere.err.find("cannot be created")) << nowhere.err;
+    EXPECT_EQ(2, cli("create " + (dir / "x.mdb").string() + " --version 5").status);
+    EXPECT_EQ(2, cli("create " + (dir / "x.mdb").string()).status);
+    EXPECT_EQ(2, cli("sql " + (dir / "new3.mdb").string()).status);
+    EXPECT_FALSE(fs::exists(dir / "x.mdb"));
+    fs::remove_all(dir);
+}
+
 }  // namespace

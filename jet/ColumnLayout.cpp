@@ -39,19 +39,21 @@ Column columnFromSpec(const sql::ColumnSpec& spec, Version version, uint16_t cod
 
 uint32_t fixedAreaSize(const TableDef& def) {
     uint32_t end = 0;
-    for (const Column& c : def.columns())
-        if (c.isFixed() && c.type() != ColumnType::Bool) end = std::max<uint32_t>(end, c.fixedOffset + c.length);
+    for (const Column& c : def.columns()) {
+        if (!c.isFixed() || c.type() == ColumnType::Bool) continue;
+        const uint32_t width = fixedSizeOf(c.typeCode) ? fixedSizeOf(c.typeCode) : c.length;
+        end = std::max<uint32_t>(end, c.fixedOffset + width);
+    }
     return end;
 }
 
 uint16_t appendColumn(TableDef& def, Column column) {
     column.number = def.maxColumns();
+    // A fixed column's slot means nothing to readers; Access puts the slots given out before it.
+    column.varIndex = def.varColumns();
     if (column.isFixed()) {
-        // Readers ignore the slot of a fixed column; Access keeps the slots given out before it.
-        column.varIndex = def.varColumns();
         column.fixedOffset = column.type() == ColumnType::Bool ? 0 : uint16_t(fixedAreaSize(def));
     } else {
-        column.varIndex = def.varColumns();
         column.fixedOffset = 0;
         def.setVarColumns(uint16_t(def.varColumns() + 1));
     }

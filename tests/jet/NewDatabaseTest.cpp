@@ -9,7 +9,6 @@
 #include "jet/Bytes.h"
 #include "jet/Checker.h"
 #include "jet/CodePage.h"
-#include "jet/ColumnLayout.h"
 #include "jet/Connection.h"
 #include "jet/DataPage.h"
 #include "jet/Database.h"
@@ -56,49 +55,6 @@ TEST(SystemTables, DefinitionsHaveTheLengthsAccessWrites) {
             EXPECT_EQ((v == Version::Jet3 ? jet3 : jet4)[int(t)], stream.size()) << jet::systemTableName(t);
         }
     }
-}
-
-TEST(SystemTables, MapsAndIndexRootsFollowThePageMapOfANewFile) {
-    const NewFileLayout l3 = NewFileLayout::of(Version::Jet3);
-    const NewFileLayout l4 = NewFileLayout::of(Version::Jet4);
-    EXPECT_EQ(18u, l3.pageCount());
-    EXPECT_EQ(16u, l4.pageCount());
-    EXPECT_EQ(16u, l3.objectsDataPage());
-    EXPECT_EQ(15u, l4.acesDataPage());
-
-    const auto aces = jet::systemTableDef(SystemTable::Aces, Version::Jet3, 1251, l3);
-    // Map 18 is row 3 of the second map page in Jet 3.
-    EXPECT_EQ((7u << 8) | 3, aces.ownedMap());
-    EXPECT_EQ(11u, aces.physicalIndexes()[0].rootPage);
-    EXPECT_EQ(0x08, aces.physicalIndexes()[0].flags);
-    EXPECT_EQ(1251, aces.columns()[0].codePage);
-
-    const auto objects = jet::systemTableDef(SystemTable::Objects, Version::Jet4, 1252, l4);
-    ASSERT_EQ(7u, objects.longValueMaps().size());
-    EXPECT_EQ(16, objects.longValueMaps().back().columnNumber);
-    EXPECT_EQ((6u << 8) | 15, objects.longValueMaps().back().freeMap);
-    EXPECT_EQ((6u << 8) | 17, objects.physicalIndexes()[1].ownedMap);
-    EXPECT_EQ(0x81, objects.physicalIndexes()[1].flags);
-    EXPECT_EQ(jet::index_kind::PrimaryKey, objects.logicalIndexes()[1].kind);
-    EXPECT_EQ(30u, jet::fixedAreaSize(objects));
-    EXPECT_EQ(17, objects.maxColumns());
-    EXPECT_EQ(11, objects.varColumns());
-
-    const auto relationships = jet::systemTableDef(SystemTable::Relationships, Version::Jet4, 1252, l4);
-    EXPECT_EQ((6u << 8) | 30, relationships.physicalIndexes()[2].ownedMap);
-    EXPECT_EQ(13u, relationships.physicalIndexes()[2].rootPage);
-    EXPECT_EQ(7u, jet::systemTableDef(SystemTable::Queries, Version::Jet3, 1252, l3).columns().size());
-    EXPECT_EQ(8u, jet::systemTableDef(SystemTable::Queries, Version::Jet4, 1252, l4).columns().size());
-
-    // Pages in maps: the two data pages in owned and free maps, the seven roots in theirs.
-    const auto members = jet::systemMapMembers(l4);
-    ASSERT_EQ(11u, members.size());
-    EXPECT_EQ(0u, members[0].map);
-    EXPECT_EQ(14u, members[0].page);
-    EXPECT_EQ(20u, members[6].map);
-    EXPECT_EQ(9u, members[6].page);
-    EXPECT_EQ(30u, members.back().map);
-    EXPECT_EQ(13u, members.back().page);
 }
 
 TEST(NewHeader, ReadsBackAsANewFileOfItsVersionWithoutPassword) {

@@ -6,32 +6,32 @@
 
 namespace jet {
 
-Column columnFromSpec(const sql::ColumnSpec& spec, Version version, uint16_t codePage) {
+Column columnFromDeclaration(const sql::ColumnDeclaration& declared, Version version, uint16_t codePage) {
     Column c;
-    c.name = spec.name;
-    c.typeCode = uint8_t(spec.type);
+    c.name = declared.name;
+    c.typeCode = uint8_t(declared.type);
     c.flags = column_flag::Updatable;
     c.collation = kGeneralCollation;
     if (version == Version::Jet3) c.codePage = codePage;
-    switch (spec.type) {
+    switch (declared.type) {
     case ColumnType::Text:
-        c.length = uint16_t(version == Version::Jet3 ? spec.length : 2 * spec.length);
+        c.length = uint16_t(version == Version::Jet3 ? declared.length : 2 * declared.length);
         break;
     case ColumnType::Binary:
-        c.length = spec.length;
+        c.length = declared.length;
         break;
     case ColumnType::Memo:
     case ColumnType::Ole:
         break;
     case ColumnType::Numeric:
         c.collation = 0;
-        c.precision = spec.precision;
-        c.scale = spec.scale;
+        c.precision = declared.precision;
+        c.scale = declared.scale;
         [[fallthrough]];
     default:
         c.flags |= column_flag::Fixed;
-        c.length = uint16_t(spec.type == ColumnType::Bool ? 1 : fixedSizeOf(c.typeCode));
-        if (spec.autoNumber) c.flags |= column_flag::AutoNumber;
+        c.length = uint16_t(declared.type == ColumnType::Bool ? 1 : fixedSizeOf(c.typeCode));
+        if (declared.autoNumber) c.flags |= column_flag::AutoNumber;
         break;
     }
     return c;

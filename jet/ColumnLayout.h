@@ -20,7 +20,7 @@ namespace jet {
 
 // The descriptor of a column declared in SQL (number and place still open). Text lengths
 // are given in characters and stored in bytes (Jet 4: two per character).
-Column columnFromSpec(const sql::ColumnSpec& spec, Version version, uint16_t codePage);
+Column columnFromDeclaration(const sql::ColumnDeclaration& declared, Version version, uint16_t codePage);
 
 // Gives the column its number and its place in the row and adds it to the definition.
 // Returns the number.

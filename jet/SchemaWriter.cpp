@@ -62,10 +62,10 @@ bool nameTaken(const Database& db, const std::string& name) {
 }
 
 // A column as SQL declares it, checked against what the file can hold.
-Column declaredColumn(const Database& db, const sql::ColumnSpec& spec) {
-    checkObjectName(spec.name, jet3Names(db));
-    if (spec.type == ColumnType::Numeric && db.version() == Version::Jet3) throw badFieldDefinition();
-    return columnFromSpec(spec, db.version(), db.codePage().number());
+Column declaredColumn(const Database& db, const sql::ColumnDeclaration& declared) {
+    checkObjectName(declared.name, jet3Names(db));
+    if (declared.type == ColumnType::Numeric && db.version() == Version::Jet3) throw badFieldDefinition();
+    return columnFromDeclaration(declared, db.version(), db.codePage().number());
 }
 
 // Refuses a layout whose empty row would already be too large to store.
@@ -117,8 +117,8 @@ void SchemaWriter::createTable(const sql::CreateTable& st) {
     if (st.columns.size() > kMaxColumns) throw tooManyColumns();
     TableDef def = TableDef::blank(db_.version(), kUserTable);
     std::vector<uint16_t> numbers;
-    for (const sql::ColumnSpec& spec : st.columns) {
-        Column c = declaredColumn(db_, spec);
+    for (const sql::ColumnDeclaration& declared : st.columns) {
+        Column c = declaredColumn(db_, declared);
         if (def.findColumn(c.name)) throw columnExists(c.name, st.table);
         numbers.push_back(appendColumn(def, std::move(c)));
     }

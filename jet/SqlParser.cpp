@@ -144,9 +144,9 @@ private:
         return n;
     }
 
-    ColumnSpec column() {
+    ColumnDeclaration column() {
         const char* outer = errorText_;
-        ColumnSpec c;
+        ColumnDeclaration c;
         c.name = name();
         errorText_ = kBadField;
         std::string word = keyword();

@@ -13,7 +13,7 @@
 namespace jet::sql {
 
 // A column as a CREATE TABLE or ALTER TABLE ... ADD statement declares it.
-struct ColumnSpec {
+struct ColumnDeclaration {
     std::string name;
     ColumnType type = ColumnType::Text;
     uint16_t length = 0;     // Text: characters (1-255); Binary: bytes; 0 for other types
@@ -24,12 +24,12 @@ struct ColumnSpec {
 
 struct CreateTable {
     std::string table;
-    std::vector<ColumnSpec> columns;
+    std::vector<ColumnDeclaration> columns;
 };
 
 struct AddColumn {
     std::string table;
-    ColumnSpec column;
+    ColumnDeclaration column;
 };
 
 struct DropColumn {

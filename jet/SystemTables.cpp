@@ -12,29 +12,29 @@ constexpr uint8_t kVar = column_flag::System | column_flag::Updatable;
 constexpr uint8_t kFixed = kVar | column_flag::Fixed;
 constexpr uint8_t kSid = kVar | 0x20;
 
-struct ColumnSpec {
+struct ColumnShape {
     const char* name;
     ColumnType type;
     uint8_t flags;
     bool jet4Only = false;
 };
 
-struct IndexSpec {
+struct IndexShape {
     std::vector<const char*> columns;  // all ascending
     uint8_t flags;                     // Jet 3; Jet 4 adds 0x80
     const char* name;
     uint8_t kind;
 };
 
-struct TableSpec {
+struct TableShape {
     const char* name;
-    std::vector<ColumnSpec> columns;
-    std::vector<IndexSpec> indexes;
+    std::vector<ColumnShape> columns;
+    std::vector<IndexShape> indexes;
 };
 
-const TableSpec& spec(SystemTable t) {
+const TableShape& shapeOf(SystemTable t) {
     using T = ColumnType;
-    static const TableSpec specs[] = {
+    static const TableShape shapes[] = {
         {"MSysObjects",
          {{"Id", T::Long, kFixed},           {"ParentId", T::Long, kFixed},   {"Name", T::Text, kVar},
           {"Type", T::Int, kFixed},          {"DateCreate", T::DateTime, kFixed}, {"DateUpdate", T::DateTime, kFixed},
@@ -61,13 +61,13 @@ const TableSpec& spec(SystemTable t) {
           {{"szObject"}, index_flag::IgnoreNulls, "szObject", index_kind::Ordinary},
           {{"szReferencedObject"}, index_flag::IgnoreNulls, "szReferencedObject", index_kind::Ordinary}}},
     };
-    return specs[uint32_t(t)];
+    return shapes[uint32_t(t)];
 }
 
 bool isLongValue(ColumnType t) { return t == ColumnType::Memo || t == ColumnType::Ole; }
 
 // Maps of a table: owned, free space, two per long-value column, one per index.
-uint32_t mapsOf(const TableSpec& s) {
+uint32_t mapsOf(const TableShape& s) {
     uint32_t n = 2 + uint32_t(s.indexes.size());
     for (const auto& c : s.columns) n += isLongValue(c.type) ? 2 : 0;
     return n;
@@ -82,18 +82,18 @@ Bases basesOf(SystemTable t) {
     Bases b;
     for (SystemTable before : kSystemTables) {
         if (before == t) break;
-        b.map += mapsOf(spec(before));
-        b.index += uint32_t(spec(before).indexes.size());
+        b.map += mapsOf(shapeOf(before));
+        b.index += uint32_t(shapeOf(before).indexes.size());
     }
     return b;
 }
 
 }  // namespace
 
-const char* systemTableName(SystemTable t) { return spec(t).name; }
+const char* systemTableName(SystemTable t) { return shapeOf(t).name; }
 
 TableDef systemTableDef(SystemTable table, Version version, uint16_t codePage, const NewFileLayout& layout) {
-    const TableSpec& s = spec(table);
+    const TableShape& s = shapeOf(table);
     const Bases bases = basesOf(table);
     uint32_t map = bases.map;
     // System text and binary columns take 255 characters or bytes, as wide as a name can be.
@@ -102,7 +102,7 @@ TableDef systemTableDef(SystemTable table, Version version, uint16_t codePage, c
     TableDef def = TableDef::blank(version, 0x53);
     def.setMaps(layout.mapPointer(map), layout.mapPointer(map + 1));
     map += 2;
-    for (const ColumnSpec& cs : s.columns) {
+    for (const ColumnShape& cs : s.columns) {
         if (cs.jet4Only && version == Version::Jet3) continue;
         Column c;
         c.name = cs.name;
@@ -119,7 +119,7 @@ TableDef systemTableDef(SystemTable table, Version version, uint16_t codePage, c
         }
     }
     for (size_t i = 0; i < s.indexes.size(); ++i) {
-        const IndexSpec& is = s.indexes[i];
+        const IndexShape& is = s.indexes[i];
         PhysicalIndex px;
         for (const char* name : is.columns) px.columns.push_back({def.findColumn(name)->number, true});
         px.ownedMap = layout.mapPointer(map++);
@@ -142,13 +142,13 @@ std::vector<MapMember> systemMapMembers(const NewFileLayout& layout) {
     std::vector<MapMember> members;
     for (SystemTable t : kSystemTables) {
         const Bases b = basesOf(t);
-        const uint32_t indexMaps = b.map + mapsOf(spec(t)) - uint32_t(spec(t).indexes.size());
+        const uint32_t indexMaps = b.map + mapsOf(shapeOf(t)) - uint32_t(shapeOf(t).indexes.size());
         if (t == SystemTable::Objects || t == SystemTable::Aces) {
             const uint32_t data = t == SystemTable::Objects ? layout.objectsDataPage() : layout.acesDataPage();
             members.push_back({b.map, data});
             members.push_back({b.map + 1, data});
         }
-        for (uint32_t i = 0; i < spec(t).indexes.size(); ++i)
+        for (uint32_t i = 0; i < shapeOf(t).indexes.size(); ++i)
             members.push_back({indexMaps + i, layout.indexRoot(b.index + i)});
     }
     return members;

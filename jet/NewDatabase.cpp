@@ -152,18 +152,18 @@ void writeCatalogue(Database& db) {
     t.commit();
 }
 
-// Copies the finished scratch file over the target in one transaction.
-void copyInto(Env& env, const std::string& from, const std::string& to, uint32_t pageSize) {
+// Copies the finished scratch file into the target (just created, empty) in one transaction.
+void copyInto(Env& env, const std::string& from, Pager& to) {
     auto source = env.open(from, OpenMode::ReadOnly);
     const uint64_t size = source->size();
-    auto pager = Pager::create(env, to, pageSize);
-    pager->begin();
+    const uint32_t pageSize = to.pageSize();
+    to.begin();
     for (uint64_t offset = 0; offset < size; offset += pageSize) {
-        const uint32_t page = pager->append();
-        if (source->readAt(offset, {pager->writable(page), pageSize}) != pageSize)
+        const uint32_t page = to.append();
+        if (source->readAt(offset, {to.writable(page), pageSize}) != pageSize)
             throw IoError("'" + from + "' changed while it was being copied");
     }
-    pager->commit();
+    to.commit();
 }
 
 void removeQuietly(Env& env, const std::string& path) {
@@ -199,17 +199,22 @@ void createDatabase(const std::string& path, Version version, uint16_t codePage,
     if (version == Version::Jet4) codePage = jet4HeaderCodePage;
     CodePage::get(codePage);  // refuses a code page the engine cannot convert, before any file exists
     const std::string scratch = path + ".creating";
-    bool targetTouched = false;
+    bool targetReplaced = false;
     try {
         writeSkeleton(*Pager::create(env, scratch, f.pageSize), version, codePage);
         writeCatalogue(*Database::open(scratch, env));
-        targetTouched = true;
-        copyInto(env, scratch, path, f.pageSize);
+        {
+            // Creating the target empties a file of that name; one another program holds
+            // open is refused before anything happens to it.
+            auto target = Pager::create(env, path, f.pageSize);
+            targetReplaced = true;
+            copyInto(env, scratch, *target);
+        }
         env.remove(scratch);
         env.syncDirectory(directoryOf(path));
     } catch (const RuntimeError& e) {
         removeQuietly(env, scratch);
-        if (targetTouched) removeQuietly(env, path);
+        if (targetReplaced) removeQuietly(env, path);
         throw RuntimeError(e.number(), "The database '" + path + "' cannot be created: " + e.description());
     }
 }

@@ -211,6 +211,16 @@ TEST(NewDatabase, ReplacesAFileButLeavesNothingBehindWhenItCannotWrite) {
     EXPECT_FALSE(std::filesystem::exists(dir.file("old.ldb")));
     EXPECT_TRUE(jet::check(path).clean());
 
+    // A database someone has open is not replaced, and stays as it was.
+    {
+        jet::Connection reader;
+        reader.Open("Provider=microsoft.jet.OLEDB.4.0;Data Source=" + path);
+        const std::string before = jet::testkit::readAll(path);
+        EXPECT_THROW(jet::createDatabase(path, Version::Jet3), jet::RuntimeError);
+        EXPECT_EQ(before, jet::testkit::readAll(path));
+        EXPECT_FALSE(std::filesystem::exists(path + ".creating"));
+    }
+
     const std::string nowhere = dir.file("missing/folder/new.mdb");
     try {
         jet::createDatabase(nowhere, Version::Jet3);

@@ -102,6 +102,13 @@ void XDataBase::reopenRecordset()
     recordset_->Open();
 }
 
+void XDataBase::execute(const QString& sql)
+{
+    jet::Connection& c = connection();
+    emit SqlSent(sql);
+    c.Execute(sql.toStdString(), nullptr, -1);
+}
+
 // ---- Connection and catalogue
 
 void XDataBase::readCatalogue()
@@ -177,6 +184,43 @@ void XDataBase::setCurrentTable(const QString& name)
                 Columns().Add(QString::fromStdString(fields[i].Name()));
         },
     });
+}
+
+bool XDataBase::CreateTable(const QString& name)
+{
+    return !host::trapError([&] {
+        ++createdTableCount_;
+        // Jet reserves the word; only this spelling is changed.
+        const QString table = name == QStringLiteral("table") ? QStringLiteral("table0") : name;
+        dataMembers_.append(table);
+        queryText_ = QStringLiteral("CREATE TABLE ") + table + QStringLiteral(" (__custom INTEGER);");
+        execute(queryText_);
+        replaceRecordset();
+        queryText_ = QStringLiteral("SELECT * FROM ") + table;
+        openRecordset(queryText_, adOpenDynamic, adLockBatchOptimistic);
+        recordset_->AddNew();
+        recordset_->Update();
+        recordset_->MoveFirst();
+        recordset_->Update();
+        Columns().Add(QStringLiteral("__custom"));
+    });
+}
+
+bool XDataBase::DeleteTable(const QString& name)
+{
+    // Callers never look at the result: it stays False whatever happens.
+    host::trapError([&] {
+        if (recordsetOpen())
+            recordset_->Close();
+        // A name the list lacks ends at its last entry, which is then the one removed.
+        int32_t i = 1;
+        while (Tables().Item(i) != name && i < Tables().Count())
+            ++i;
+        setCurrentTable(Tables().Item(i == 1 ? 2 : 1));
+        execute(QStringLiteral("DROP TABLE ") + name + QStringLiteral(";"));
+        Tables().Remove(i);
+    });
+    return false;
 }
 
 // ---- Data source

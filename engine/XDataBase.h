@@ -69,6 +69,14 @@ public:
     // that does not open leaves the name set and the record set closed.
     void setCurrentTable(const QString& name);
 
+    // Creates the table with one column "__custom" (INTEGER) and one row in it, and opens
+    // the record set on it without making it the current table. "table", a reserved word,
+    // becomes "table0". False on any error.
+    bool CreateTable(const QString& name);
+    // Makes another table current (the second when the first is dropped, else the first),
+    // drops the table and removes it from Tables. Always returns False.
+    bool DeleteTable(const QString& name);
+
     host::StringList& Tables() const { return tables_.get(); }
     void setTables(std::shared_ptr<host::StringList> list) { tables_.set(std::move(list)); }
     host::StringList& Columns() const { return columns_.get(); }
@@ -113,7 +121,7 @@ public:
     QString CaptionOfField(int32_t index);
     void setCaptionOfField(int32_t index, const QString& text);
 
-    // ---- Cell and row editing
+    // ---- Cell, row and column editing
 
     // Writes the cell of that 1-based row and sends every pending change with it.
     // "Error of editing!" and False on an error.
@@ -125,6 +133,12 @@ public:
     // record set. On an error the error's description in a box titled "Number:" and its
     // number, and False.
     bool DeleteRecord(int32_t row);
+    // The column statements on the current table; each re-opens the record set on the
+    // current query and returns False on an error, without a message. The third argument
+    // of ReNameField is not used.
+    bool AddField(const QString& name, const QString& type);
+    bool DeleteField(const QString& name);
+    bool ReNameField(const QString& oldName, const QString& newName, const QString& unused);
 
     // ---- What the rest of the program and the tests look at
 
@@ -133,6 +147,8 @@ public:
     int32_t createdTableCount() const { return createdTableCount_; }
     // The last statement built (the current "SELECT * FROM " query after a table switch).
     QString queryText() const { return queryText_; }
+    // Set by AddField: the columns have changed.
+    bool columnsChanged() const { return columnsChanged_; }
 
 signals:
     // The function library's progress, passed on unchanged.
@@ -150,6 +166,8 @@ private:
     void readCatalogue();
     void openRecordset(const QString& source, int32_t cursorType, int32_t lockType);
     void reopenRecordset();
+    void execute(const QString& sql);
+    bool alterCurrentTable(const QString& change);
     bool recordsetOpen() const;
 
     LoginGlobals login_;
@@ -161,6 +179,7 @@ private:
     QString queryText_;
     QString currentTable_;
     int32_t createdTableCount_ = 0;
+    bool columnsChanged_ = false;
     host::CreatedOnFirstUse<host::StringList> tables_;
     host::CreatedOnFirstUse<host::StringList> columns_;
     QString newTableName_;

@@ -1,4 +1,4 @@
-// Writing cells, adding and deleting rows. Written values
+// Writing cells, adding and deleting rows, and the column statements. Written values
 // stay pending in the record set (it is opened batch-optimistic) until AddValue sends the
 // whole batch or a row update sends its row.
 
@@ -80,6 +80,39 @@ bool XDataBase::DeleteRecord(int32_t row)
         return true;
     services.messageBox(host::descriptionOf(*error), ui::vbCritical, QStringLiteral("Number:") + QString::number(error->number()));
     return false;
+}
+
+bool XDataBase::alterCurrentTable(const QString& change)
+{
+    return !host::trapError([&] {
+        execute(QStringLiteral("ALTER TABLE ") + currentTable_ + change);
+        reopenRecordset();
+    });
+}
+
+bool XDataBase::AddField(const QString& name, const QString& type)
+{
+    if (recordsetOpen())
+        recordset_->Close();
+    if (!alterCurrentTable(QStringLiteral(" ADD ") + name + QStringLiteral(" ") + type))
+        return false;
+    Columns().Add(name);
+    columnsChanged_ = true;
+    return true;
+}
+
+bool XDataBase::DeleteField(const QString& name)
+{
+    if (recordsetOpen())
+        recordset_->Close();
+    return alterCurrentTable(QStringLiteral(" DROP ") + name);
+}
+
+bool XDataBase::ReNameField(const QString& oldName, const QString& newName, const QString& /*unused*/)
+{
+    if (recordsetOpen())
+        recordset_->Close();
+    return alterCurrentTable(QStringLiteral(" RENAME ") + oldName + QStringLiteral(" TO ") + newName);
 }
 
 }  // namespace engine

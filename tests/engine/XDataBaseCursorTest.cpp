@@ -49,7 +49,10 @@ TEST_F(CursorTest, TableThatDoesNotOpenKeepsItsNameAndLeavesTheRecordSetClosed)
 
 TEST_F(CursorTest, CurrentTableBeforeAnyDatabaseIsSilent)
 {
+    // A reset of the module globals makes a fresh engine at the next use.
     app::resetModuleGlobals();
+    EXPECT_EQ(db().CurrentTable(), "");
+    EXPECT_EQ(db().Tables().Count(), 0);
     db().setCurrentTable("Table1");
     EXPECT_EQ(db().CurrentTable(), "Table1");
     EXPECT_TRUE(db().Columns().items().isEmpty());

@@ -1,5 +1,7 @@
 #include "host/FileSystemObject.h"
 
+#include <sys/file.h>
+
 #include <QDir>
 #include <QFile>
 #include <QFileInfo>
@@ -12,6 +14,19 @@ namespace host {
 namespace {
 
 constexpr int32_t FileAlreadyExists = 58;
+constexpr int32_t PermissionDenied = 70;
+
+// Whether some other open of the file holds a lock on it.
+bool lockedByAnother(const QString& path)
+{
+    QFile file(path);
+    if (!file.open(QIODevice::ReadOnly))
+        return false;
+    if (::flock(file.handle(), LOCK_EX | LOCK_NB) != 0)
+        return true;
+    ::flock(file.handle(), LOCK_UN);
+    return false;
+}
 
 }  // namespace
 
@@ -22,6 +37,8 @@ void CopyFile(const QString& source, const QString& target, bool overwrite)
         throw vbError(vberr::FileNotFound, QStringLiteral("File not found: '%1'").arg(source));
     if (!overwrite && QFileInfo::exists(target))
         throw vbError(FileAlreadyExists, QStringLiteral("File already exists: '%1'").arg(target));
+    if (QFileInfo(target).isFile() && lockedByAnother(target))
+        throw vbError(PermissionDenied, QStringLiteral("Permission denied: '%1' is in use").arg(target));
     if (!QFileInfo(target).absoluteDir().exists())
         throw vbError(vberr::PathNotFound, QStringLiteral("Path not found: '%1'").arg(target));
     if (!in.open(QIODevice::ReadOnly))

@@ -4,6 +4,8 @@
 #include <QFile>
 #include <QTemporaryDir>
 
+#include <sys/file.h>
+
 #include "../support/RunTimeErrorOf.h"
 
 #include "host/FileSystemObject.h"
@@ -55,4 +57,18 @@ TEST_F(CopyFileTest, FailuresHaveTheirNumbersAndLeaveTheTargetAsItWas)
     EXPECT_EQ(runTimeErrorOf([&] { host::CopyFile(path("source.mdb"), path("no/such/x.mdb"), true); }), 76);
     EXPECT_EQ(runTimeErrorOf([&] { host::CopyFile(dir.path(), path("target.mdb"), true); }), 53);
     EXPECT_EQ(read(path("target.mdb")), "old");
+}
+
+TEST_F(CopyFileTest, TargetThatAnotherOpenHoldsLockedIsRefused)
+{
+    write(path("source.mdb"), "new");
+    write(path("open.mdb"), "in use");
+    QFile holder(path("open.mdb"));
+    ASSERT_TRUE(holder.open(QIODevice::ReadOnly));
+    ASSERT_EQ(::flock(holder.handle(), LOCK_SH), 0);
+    EXPECT_EQ(runTimeErrorOf([&] { host::CopyFile(path("source.mdb"), path("open.mdb"), true); }), 70);
+    EXPECT_EQ(read(path("open.mdb")), "in use");
+    ::flock(holder.handle(), LOCK_UN);
+    host::CopyFile(path("source.mdb"), path("open.mdb"), true);
+    EXPECT_EQ(read(path("open.mdb")), "new");
 }

@@ -11,8 +11,6 @@
 
 #include "engine/XDataBase.h"
 
-#include <QDir>
-
 #include "host/ErrorTrap.h"
 #include "host/FileSystemObject.h"
 #include "host/FunctionLibrary.h"
@@ -22,7 +20,6 @@
 #include "host/VbError.h"
 #include "jet/Connection.h"
 #include "jet/Recordset.h"
-#include "ui/ModalForm.h"
 #include "ui/UiServices.h"
 
 namespace engine {

@@ -14,7 +14,6 @@
 
 #include <cstdint>
 #include <memory>
-#include <string>
 #include <QObject>
 #include <QString>
 #include <QStringList>

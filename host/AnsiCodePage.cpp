@@ -10,10 +10,8 @@ constexpr char16_t kReplacement = 0xFFFD;
 
 AnsiCodePage::AnsiCodePage(const QString& name)
 {
-    if (!build(name)) {
-        fallback_ = true;
+    if (!build(name))
         build(QStringLiteral("windows-1251"));
-    }
 }
 
 bool AnsiCodePage::build(const QString& name)
@@ -37,7 +35,6 @@ bool AnsiCodePage::build(const QString& name)
     for (int b = 0; b < 0x80; ++b)
         if (toChar_[b].unicode() != b)
             return false;
-    name_ = name;
     return true;
 }
 

@@ -18,14 +18,11 @@ namespace host {
 class AnsiCodePage {
 public:
     // Builds the tables for a code page by name ("windows-1251", "ISO-8859-5"...).
-    // An unknown name falls back to Windows-1251 (isFallback() tells).
+    // A name that is unknown or no single-byte code page falls back to Windows-1251.
     explicit AnsiCodePage(const QString& name);
 
     // The code page the environment chooses, built once per process.
     static const AnsiCodePage& current();
-
-    QString name() const { return name_; }
-    bool isFallback() const { return fallback_; }
 
     QString decode(QByteArrayView bytes) const;
     QByteArray encode(QStringView text) const;
@@ -37,8 +34,6 @@ public:
 private:
     bool build(const QString& name);
 
-    QString name_;
-    bool fallback_ = false;
     std::array<QChar, 256> toChar_{};
     QHash<char16_t, uint8_t> nonAscii_;
 };

@@ -1,8 +1,8 @@
 #pragma once
 // An object reference that creates its object the first time it is read, as the VB
 // declaration "Dim x As New T" does: reading it never yields nothing. Setting it replaces
-// the object; a reference obtained before that stays valid as long as someone else still
-// holds the old object, so hold the shared pointer (object()) when that matters.
+// the object, and a reference obtained before that dies with the old object unless someone
+// else still holds it.
 
 #include <memory>
 
@@ -17,13 +17,7 @@ public:
             object_ = std::make_shared<T>();
         return *object_;
     }
-    std::shared_ptr<T> object() const
-    {
-        get();
-        return object_;
-    }
     void set(std::shared_ptr<T> object) { object_ = std::move(object); }
-    bool isCreated() const { return object_ != nullptr; }
     void reset() { object_.reset(); }
 
 private:

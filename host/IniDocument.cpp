@@ -1,5 +1,7 @@
 #include "host/IniDocument.h"
 
+#include <utility>
+
 namespace host {
 
 namespace {
@@ -50,9 +52,7 @@ int hexDigit(char c)
     return -1;
 }
 
-}  // namespace
-
-QByteArray IniDocument::escapeName(const QString& name)
+QByteArray escapeName(const QString& name)
 {
     if (name.isEmpty())
         return "@";
@@ -61,17 +61,17 @@ QByteArray IniDocument::escapeName(const QString& name)
     });
 }
 
-QByteArray IniDocument::escapeSection(const QString& section)
+QByteArray escapeSection(const QString& section)
 {
     return escape(section, [](unsigned char b, qsizetype) { return b == ']'; });
 }
 
-QByteArray IniDocument::escapeValue(const QString& value)
+QByteArray escapeValue(const QString& value)
 {
     return escape(value, [](unsigned char, qsizetype) { return false; });
 }
 
-QString IniDocument::unescape(QByteArrayView text)
+QString unescape(QByteArrayView text)
 {
     QByteArray bytes;
     bytes.reserve(text.size());
@@ -85,6 +85,8 @@ QString IniDocument::unescape(QByteArrayView text)
     }
     return QString::fromUtf8(bytes);
 }
+
+}  // namespace
 
 IniDocument IniDocument::parse(QByteArrayView bytes)
 {
@@ -181,20 +183,17 @@ bool IniDocument::setValue(const QString& section, const QString& name, const QS
     return true;
 }
 
-IniDocument::Section* IniDocument::findSection(const QString& folded)
-{
-    for (Section& s : sections_)
-        if (s.hasHeader && s.folded == folded)
-            return &s;
-    return nullptr;
-}
-
 const IniDocument::Section* IniDocument::findSection(const QString& folded) const
 {
     for (const Section& s : sections_)
         if (s.hasHeader && s.folded == folded)
             return &s;
     return nullptr;
+}
+
+IniDocument::Section* IniDocument::findSection(const QString& folded)
+{
+    return const_cast<Section*>(std::as_const(*this).findSection(folded));
 }
 
 }  // namespace host

@@ -31,11 +31,6 @@ public:
     // Returns false when the value was already exactly that (nothing to write).
     bool setValue(const QString& section, const QString& name, const QString& value);
 
-    static QByteArray escapeName(const QString& name);
-    static QByteArray escapeSection(const QString& section);
-    static QByteArray escapeValue(const QString& value);
-    static QString unescape(QByteArrayView text);
-
 private:
     struct Entry {
         QString name;

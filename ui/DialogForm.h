@@ -26,8 +26,6 @@ public:
     bool isClosed() const override { return closed_; }
     QString caption() const override;
 
-    QDialog* dialog() const { return dialog_; }
-
     // Registers a factory for dialogs of type T (default-constructible) under that name.
     template <typename T>
     static void registerDialog(const QString& name)

@@ -1,10 +1,26 @@
 #include "ui/ScriptedUiServices.h"
 
 #include <algorithm>
+#include <optional>
 
 #include "ui/ModalForm.h"
 
 namespace ui {
+
+namespace {
+
+// The next scripted answer, if the test gave one.
+template <typename T>
+std::optional<T> nextAnswer(std::deque<T>& queue)
+{
+    if (queue.empty())
+        return std::nullopt;
+    std::optional<T> answer(std::move(queue.front()));
+    queue.pop_front();
+    return answer;
+}
+
+}  // namespace
 
 ScriptedUiServices& ScriptedUiServices::answerMessageBox(int32_t answer)
 {
@@ -103,16 +119,13 @@ int32_t ScriptedUiServices::messageBox(const QString& prompt, int32_t style, con
     box.title = title;
     box.style = style;
     const MessageBoxStyle decoded = MessageBoxStyle::decode(style);
-    int32_t answer = vbOK;
-    if (!messageAnswers_.empty()) {
-        answer = messageAnswers_.front();
-        messageAnswers_.pop_front();
-    } else if (decoded.buttons != vbOKOnly) {
-        box.scripted = false;
-        answer = decoded.escapeAnswer() != 0 ? decoded.escapeAnswer() : decoded.answers().back();
-    }
+    const std::optional<int32_t> answer = nextAnswer(messageAnswers_);
+    // A box with only an OK button needs no script.
+    box.scripted = answer || decoded.buttons == vbOKOnly;
     boxes_.push_back(box);
-    return answer;
+    if (answer)
+        return *answer;
+    return decoded.escapeAnswer() != 0 ? decoded.escapeAnswer() : decoded.answers().back();
 }
 
 QString ScriptedUiServices::inputBox(const QString& prompt, const QString& title, const QString& defaultText)
@@ -122,15 +135,10 @@ QString ScriptedUiServices::inputBox(const QString& prompt, const QString& title
     box.prompt = prompt;
     box.title = title;
     box.defaultText = defaultText;
-    QString answer;
-    if (!inputAnswers_.empty()) {
-        answer = inputAnswers_.front();
-        inputAnswers_.pop_front();
-    } else {
-        box.scripted = false;
-    }
+    const std::optional<QString> answer = nextAnswer(inputAnswers_);
+    box.scripted = answer.has_value();
     boxes_.push_back(box);
-    return answer;
+    return answer.value_or(QString());
 }
 
 FileDialogResult ScriptedUiServices::fileDialog(RecordedBox::Kind kind, std::deque<FileDialogResult>& queue,
@@ -140,15 +148,10 @@ FileDialogResult ScriptedUiServices::fileDialog(RecordedBox::Kind kind, std::deq
     box.kind = kind;
     box.title = request.title;
     box.file = request;
-    FileDialogResult answer;
-    if (!queue.empty()) {
-        answer = queue.front();
-        queue.pop_front();
-    } else {
-        box.scripted = false;
-    }
+    const std::optional<FileDialogResult> answer = nextAnswer(queue);
+    box.scripted = answer.has_value();
     boxes_.push_back(box);
-    return answer;
+    return answer.value_or(FileDialogResult{});
 }
 
 FileDialogResult ScriptedUiServices::openFileDialog(const FileDialogRequest& request)
@@ -167,14 +170,9 @@ void ScriptedUiServices::showModalForm(const QString& formName, const QString& o
     box.kind = RecordedBox::Kind::Form;
     box.form = formName;
     box.owner = ownerName;
-    FormScript script;
-    auto queue = formAnswers_.find(formName);
-    if (queue != formAnswers_.end() && !queue->second.empty()) {
-        script = std::move(queue->second.front());
-        queue->second.pop_front();
-    } else {
-        box.scripted = false;
-    }
+    std::optional<FormScript> answer = nextAnswer(formAnswers_[formName]);
+    box.scripted = answer.has_value();
+    const FormScript script = std::move(answer).value_or(FormScript());
     // Recorded before the form runs, so that a box the form itself asks comes after it.
     boxes_.push_back(box);
     const size_t recorded = boxes_.size() - 1;

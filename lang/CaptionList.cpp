@@ -32,4 +32,9 @@ QString CaptionList::Key(int32_t index) const
     return at(index).key;
 }
 
+QString captionOr(const CaptionList& list, int32_t index, const QString& designText)
+{
+    return index >= 1 && index <= list.Count() ? list.Item(index) : designText;
+}
+
 }  // namespace lang

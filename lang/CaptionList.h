@@ -29,4 +29,9 @@ private:
     QSet<QString> keys_;
 };
 
+// Item(index), or the form's own text when the list is shorter: a language table that
+// failed to load (start-up has reported it) leaves the lists empty, and the form must
+// still open.
+QString captionOr(const CaptionList& list, int32_t index, const QString& designText);
+
 }  // namespace lang

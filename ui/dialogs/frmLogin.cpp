@@ -12,16 +12,7 @@
 
 namespace ui {
 
-namespace {
-
-// A caption of the language table, or the design text when the table lacks the item (it
-// failed to load, which start-up has already reported).
-QString captionOr(const lang::CaptionList& list, int32_t item, const QString& designText)
-{
-    return item <= list.Count() ? list.Item(item) : designText;
-}
-
-}  // namespace
+using lang::captionOr;
 
 frmLogin::frmLogin(QWidget* parent) : QDialog(parent)
 {

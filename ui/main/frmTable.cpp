@@ -16,9 +16,7 @@ frmTable::frmTable(QWidget* parent) : QMainWindow(parent)
 
 void frmTable::Form_Load()
 {
-    // A language table that failed to load leaves Common empty; the window still opens.
-    const lang::CaptionList& common = app::gLang().Table().Common();
-    setWindowTitle(common.Count() >= 1 ? common.Item(1) : QString());
+    setWindowTitle(lang::captionOr(app::gLang().Table().Common(), 1, QString()));
     if (app::gWinX > 0 && app::gWinY > 0)
         resize(twipsToPixels(app::gWinX, logicalDpiX()), twipsToPixels(app::gWinY, logicalDpiY()));
     // Centred on the screen it opens on.

@@ -7,7 +7,7 @@
 //    database layer cannot hold one file open twice and a record set must never refer to
 //    a connection that is gone.
 //  - Every connection string and every SQL text goes out through openConnection,
-//    openRecordset/reopenRecordset or execute, which announce it first.
+//    openQuery/reopenRecordset or execute, which announce it first.
 
 #include "engine/XDataBase.h"
 
@@ -25,9 +25,6 @@
 namespace engine {
 
 namespace {
-
-constexpr int32_t adOpenDynamic = 2;
-constexpr int32_t adLockBatchOptimistic = 4;
 
 // Only user tables: no system tables, views or queries.
 std::vector<jet::Variant> userTablesOnly()
@@ -63,10 +60,15 @@ bool XDataBase::recordsetOpen() const
     return recordset_->State() == jet::ado::StateOpen;
 }
 
-void XDataBase::replaceRecordset()
+void XDataBase::closeRecordset()
 {
     if (recordsetOpen())
         recordset_->Close();
+}
+
+void XDataBase::replaceRecordset()
+{
+    closeRecordset();
     recordset_ = std::make_shared<jet::Recordset>();
 }
 
@@ -86,17 +88,23 @@ void XDataBase::openConnection(const QString& connectionString)
     c.Open();
 }
 
-void XDataBase::openRecordset(const QString& source, int32_t cursorType, int32_t lockType)
+void XDataBase::openQuery(int32_t cursorType, int32_t lockType)
 {
     jet::Connection& c = connection();
-    emit SqlSent(source);
-    recordset_->Open(source.toStdString(), c, cursorType, lockType, -1);
+    emit SqlSent(queryText_);
+    recordset_->Open(queryText_.toStdString(), c, cursorType, lockType, -1);
 }
 
 void XDataBase::reopenRecordset()
 {
     emit SqlSent(QString::fromStdString(recordset_->Source()));
     recordset_->Open();
+}
+
+void XDataBase::reopenIfClosed()
+{
+    if (!recordsetOpen())
+        reopenRecordset();
 }
 
 void XDataBase::execute(const QString& sql)
@@ -169,11 +177,8 @@ void XDataBase::setCurrentTable(const QString& name)
     host::resumeNext({
         [&] { currentTable_ = name; },
         [&] { queryText_ = QStringLiteral("SELECT * FROM ") + name; },
-        [&] {
-            if (recordsetOpen())
-                recordset_->Close();
-        },
-        [&] { openRecordset(queryText_, adOpenDynamic, adLockBatchOptimistic); },
+        [&] { closeRecordset(); },
+        [&] { openQuery(); },
         [&] { Columns().Clear(); },
         [&] {
             const jet::Fields& fields = recordset_->Fields();
@@ -194,7 +199,7 @@ bool XDataBase::CreateTable(const QString& name)
         execute(queryText_);
         replaceRecordset();
         queryText_ = QStringLiteral("SELECT * FROM ") + table;
-        openRecordset(queryText_, adOpenDynamic, adLockBatchOptimistic);
+        openQuery();
         recordset_->AddNew();
         recordset_->Update();
         recordset_->MoveFirst();
@@ -207,8 +212,7 @@ bool XDataBase::DeleteTable(const QString& name)
 {
     // Callers never look at the result: it stays False whatever happens.
     host::trapError([&] {
-        if (recordsetOpen())
-            recordset_->Close();
+        closeRecordset();
         // A name the list lacks ends at its last entry, which is then the one removed.
         int32_t i = 1;
         while (Tables().Item(i) != name && i < Tables().Count())
@@ -224,8 +228,7 @@ bool XDataBase::DeleteTable(const QString& name)
 
 std::shared_ptr<jet::Recordset> XDataBase::GetDataMember(const QString& /*dataMember*/)
 {
-    if (recordsetOpen())
-        recordset_->Close();
+    closeRecordset();
     jet::Connection& c = connection();
     c.setCursorLocation(jet::ado::UseClient);
     c.Close();
@@ -233,7 +236,7 @@ std::shared_ptr<jet::Recordset> XDataBase::GetDataMember(const QString& /*dataMe
     c.Open();
     if (queryText_.isEmpty())
         return c.OpenSchema(jet::ado::SchemaTables, userTablesOnly());
-    openRecordset(queryText_, adOpenDynamic, adLockBatchOptimistic);
+    openQuery();
     return recordset_;
 }
 

@@ -23,6 +23,7 @@
 
 namespace jet {
 class Connection;
+class Field;
 class Recordset;
 }  // namespace jet
 namespace host {
@@ -158,16 +159,26 @@ signals:
     void SqlSent(const QString& sql);
 
 private:
+    static constexpr int32_t adOpenDynamic = 2;
+    static constexpr int32_t adLockBatchOptimistic = 4;
+
     jet::Connection& connection() const;
     void replaceConnection();
     void replaceRecordset();
     void openConnection(const QString& connectionString);
     void readCatalogue();
-    void openRecordset(const QString& source, int32_t cursorType, int32_t lockType);
+    // Opens the record set on the query text.
+    void openQuery(int32_t cursorType = adOpenDynamic, int32_t lockType = adLockBatchOptimistic);
+    // Opens the record set again with the source, connection and types it had.
     void reopenRecordset();
-    void execute(const QString& sql);
-    bool alterCurrentTable(const QString& change);
+    void reopenIfClosed();
+    void closeRecordset();
     bool recordsetOpen() const;
+    void execute(const QString& sql);
+    // Closes the record set, runs "ALTER TABLE <current table>" + change and opens the
+    // record set again; False on an error.
+    bool alterCurrentTable(const QString& change);
+    jet::Field field(const QString& name) const;
 
     LoginGlobals login_;
     QString databaseFolder_;

@@ -3,8 +3,8 @@
 
 #include "engine/Table_Selection.h"
 #include "engine/XDataBase.h"
+#include "host/VbConvert.h"
 #include "host/VbError.h"
-#include "jet/Connection.h"
 #include "jet/Recordset.h"
 
 namespace engine {
@@ -22,39 +22,29 @@ QString concatenated(const jet::Variant& value)
     return value.isNull() ? QString() : textOf(value);
 }
 
-// Row and column arithmetic is done in the run time's Long: leaving its range is Overflow.
-int32_t checkedLong(int64_t value)
-{
-    if (value < INT32_MIN || value > INT32_MAX)
-        throw host::vbError(host::vberr::Overflow);
-    return static_cast<int32_t>(value);
-}
-
-// The run time's Integer, as the selection's indexes are.
-int16_t checkedInteger(int32_t value)
-{
-    if (value < INT16_MIN || value > INT16_MAX)
-        throw host::vbError(host::vberr::Overflow);
-    return static_cast<int16_t>(value);
-}
-
 }  // namespace
 
+jet::Field XDataBase::field(const QString& name) const
+{
+    return recordset_->Fields()[name.toStdString()];
+}
+
+// Row and column arithmetic is done in the run time's Long (selection indexes in its
+// Integer): leaving the range is Overflow.
 QString XDataBase::SelectFromTable(const Table_Selection& selection, const QString& separator)
 {
     QString text;
-    if (!recordsetOpen())
-        reopenRecordset();
+    reopenIfClosed();
     for (int32_t k = 1; k <= selection.Count(); ++k) {
-        const std::shared_ptr<Rows_Selection> area = selection.Item(checkedInteger(k));
+        const std::shared_ptr<Rows_Selection> area = selection.Item(host::CInt(k));
         if (!area)
             throw host::vbError(host::vberr::ObjectNotSet);
         for (int64_t c = area->Start().Column(); c <= area->Finish().Column(); ++c) {
             recordset_->MoveFirst();
-            recordset_->Move(checkedLong(int64_t(area->Start().Row()) - 2));
+            recordset_->Move(host::CLng(double(area->Start().Row()) - 2));
             for (int64_t r = area->Start().Row(); r <= area->Finish().Row(); ++r) {
                 recordset_->MoveNext();
-                text += concatenated(recordset_->Fields()[checkedLong(c - 1)].Value()) + separator;
+                text += concatenated(recordset_->Fields()[host::CLng(double(c) - 1)].Value()) + separator;
             }
             // Cut the last separator: shorter than that (a column of no rows first) is
             // the run time's invalid argument to Left.
@@ -69,9 +59,8 @@ QString XDataBase::SelectFromTable(const Table_Selection& selection, const QStri
 
 void XDataBase::ReOpen(int32_t cursorType, int32_t lockType)
 {
-    if (recordsetOpen())
-        recordset_->Close();
-    openRecordset(queryText_, cursorType, lockType);
+    closeRecordset();
+    openQuery(cursorType, lockType);
 }
 
 void XDataBase::MoveFirst()
@@ -96,7 +85,7 @@ void XDataBase::MoveNext()
 
 QString XDataBase::GetCurrentRecord(const QString& fieldName)
 {
-    return textOf(recordset_->Fields()[fieldName.toStdString()].Value());
+    return textOf(field(fieldName).Value());
 }
 
 int32_t XDataBase::RecordCount()
@@ -107,12 +96,12 @@ int32_t XDataBase::RecordCount()
 QString XDataBase::Item(const QString& fieldName, int32_t count)
 {
     recordset_->Move(count);
-    return textOf(recordset_->Fields()[fieldName.toStdString()].Value());
+    return textOf(field(fieldName).Value());
 }
 
 QString XDataBase::CaptionOfField(int32_t index)
 {
-    return QString::fromStdString(recordset_->Fields()[checkedLong(int64_t(index) - 1)].Name());
+    return QString::fromStdString(recordset_->Fields()[host::CLng(double(index) - 1)].Name());
 }
 
 void XDataBase::setCaptionOfField(int32_t /*index*/, const QString& /*text*/) {}

@@ -4,6 +4,7 @@
 
 #include "engine/XDataBase.h"
 #include "host/ErrorTrap.h"
+#include "host/VbConvert.h"
 #include "host/VbError.h"
 #include "jet/Recordset.h"
 #include "ui/UiServices.h"
@@ -23,9 +24,7 @@ jet::Variant textValue(const QString& text)
 // Row arithmetic in the run time's Long: leaving its range is Overflow.
 int32_t rowOffset(int32_t row)
 {
-    if (row == INT32_MIN)
-        throw host::vbError(host::vberr::Overflow);
-    return row - 1;
+    return host::CLng(double(row) - 1);
 }
 
 }  // namespace
@@ -33,17 +32,16 @@ int32_t rowOffset(int32_t row)
 void XDataBase::setItem(const QString& fieldName, int32_t count, const QString& value)
 {
     recordset_->Move(count);
-    recordset_->Fields()[fieldName.toStdString()].setValue(textValue(value));
+    field(fieldName).setValue(textValue(value));
 }
 
 bool XDataBase::AddValue(const QString& fieldName, int32_t row, const QString& value)
 {
     const auto error = host::trapError([&] {
-        if (!recordsetOpen())
-            reopenRecordset();
+        reopenIfClosed();
         recordset_->MoveFirst();
         recordset_->Move(rowOffset(row));
-        recordset_->Fields()[fieldName.toStdString()].setValue(textValue(value));
+        field(fieldName).setValue(textValue(value));
         recordset_->UpdateBatch(adAffectAll);
     });
     if (!error)
@@ -65,8 +63,7 @@ bool XDataBase::DeleteRecord(int32_t row)
 {
     ui::UiServices& services = ui::UiServices::current();
     const auto error = host::trapError([&] {
-        if (!recordsetOpen())
-            reopenRecordset();
+        reopenIfClosed();
         recordset_->MoveFirst();
         // Shown before every deletion, whatever row goes; a Null shows as an empty box.
         const jet::Variant first = recordset_->Fields()[0].Value();
@@ -84,6 +81,7 @@ bool XDataBase::DeleteRecord(int32_t row)
 
 bool XDataBase::alterCurrentTable(const QString& change)
 {
+    closeRecordset();
     return !host::trapError([&] {
         execute(QStringLiteral("ALTER TABLE ") + currentTable_ + change);
         reopenRecordset();
@@ -92,8 +90,6 @@ bool XDataBase::alterCurrentTable(const QString& change)
 
 bool XDataBase::AddField(const QString& name, const QString& type)
 {
-    if (recordsetOpen())
-        recordset_->Close();
     if (!alterCurrentTable(QStringLiteral(" ADD ") + name + QStringLiteral(" ") + type))
         return false;
     Columns().Add(name);
@@ -103,15 +99,11 @@ bool XDataBase::AddField(const QString& name, const QString& type)
 
 bool XDataBase::DeleteField(const QString& name)
 {
-    if (recordsetOpen())
-        recordset_->Close();
     return alterCurrentTable(QStringLiteral(" DROP ") + name);
 }
 
 bool XDataBase::ReNameField(const QString& oldName, const QString& newName, const QString& /*unused*/)
 {
-    if (recordsetOpen())
-        recordset_->Close();
     return alterCurrentTable(QStringLiteral(" RENAME ") + oldName + QStringLiteral(" TO ") + newName);
 }
 

@@ -1,74 +1,39 @@
 #include <gtest/gtest.h>
 
-#include <QDir>
-#include <QFile>
-#include <QTemporaryDir>
-
 #include <sys/file.h>
 
-#include "../support/RunTimeErrorOf.h"
+#include <QDir>
+#include <QTemporaryDir>
+
+#include "../support/TestSupport.h"
 
 #include "host/FileSystemObject.h"
 
-namespace {
+using host::CopyFile;
 
-void write(const QString& path, const QByteArray& bytes)
+TEST(CopyFile, ReplacesAtomicallyAndFailsWithTheRunTimesNumbersLeavingTheTargetAsItWas)
 {
-    QFile f(path);
-    ASSERT_TRUE(f.open(QIODevice::WriteOnly));
-    f.write(bytes);
-}
-
-QByteArray read(const QString& path)
-{
-    QFile f(path);
-    return f.open(QIODevice::ReadOnly) ? f.readAll() : QByteArray("<missing>");
-}
-
-}  // namespace
-
-class CopyFileTest : public testing::Test {
-protected:
-    QString path(const QString& name) const { return QDir(dir.path()).filePath(name); }
     QTemporaryDir dir;
-};
-
-TEST_F(CopyFileTest, CopiesAndWithOverwriteReplacesWithoutLeavingAnythingBeside)
-{
+    const auto path = [&](const char* name) { return dir.filePath(name); };
     QByteArray big(200000, '\0');
     for (int i = 0; i < big.size(); ++i)
         big[i] = static_cast<char>(i * 7);
-    write(path("source.mdb"), big);
-    host::CopyFile(path("source.mdb"), path("copy.mdb"), false);
-    EXPECT_EQ(read(path("copy.mdb")), big);
+    writeFile(path("source.mdb"), big);
+    writeFile(path("target.mdb"), "old");
+    EXPECT_EQ(runTimeErrorOf([&] { CopyFile(path("nothing.mdb"), path("target.mdb"), true); }), 53);
+    EXPECT_EQ(runTimeErrorOf([&] { CopyFile(dir.path(), path("target.mdb"), true); }), 53);
+    EXPECT_EQ(runTimeErrorOf([&] { CopyFile(path("source.mdb"), path("target.mdb"), false); }), 58);
+    EXPECT_EQ(runTimeErrorOf([&] { CopyFile(path("source.mdb"), path("no/such/x.mdb"), true); }), 76);
+    // Another program that has the target open as a database holds a lock on it.
+    QFile holder(path("target.mdb"));
+    ASSERT_TRUE(holder.open(QIODevice::ReadOnly) && ::flock(holder.handle(), LOCK_SH) == 0);
+    EXPECT_EQ(runTimeErrorOf([&] { CopyFile(path("source.mdb"), path("target.mdb"), true); }), 70);
+    EXPECT_EQ(readFile(path("target.mdb")), "old");
 
-    write(path("target.mdb"), "old contents");
-    host::CopyFile(path("source.mdb"), path("target.mdb"), true);
-    EXPECT_EQ(read(path("target.mdb")), big);
-    EXPECT_EQ(QDir(dir.path()).entryList(QDir::Files).size(), 3);
-}
-
-TEST_F(CopyFileTest, FailuresHaveTheirNumbersAndLeaveTheTargetAsItWas)
-{
-    write(path("source.mdb"), "new");
-    write(path("target.mdb"), "old");
-    EXPECT_EQ(runTimeErrorOf([&] { host::CopyFile(path("nothing.mdb"), path("target.mdb"), true); }), 53);
-    EXPECT_EQ(runTimeErrorOf([&] { host::CopyFile(path("source.mdb"), path("target.mdb"), false); }), 58);
-    EXPECT_EQ(runTimeErrorOf([&] { host::CopyFile(path("source.mdb"), path("no/such/x.mdb"), true); }), 76);
-    EXPECT_EQ(runTimeErrorOf([&] { host::CopyFile(dir.path(), path("target.mdb"), true); }), 53);
-    EXPECT_EQ(read(path("target.mdb")), "old");
-}
-
-TEST_F(CopyFileTest, TargetThatAnotherOpenHoldsLockedIsRefused)
-{
-    write(path("source.mdb"), "new");
-    write(path("open.mdb"), "in use");
-    QFile holder(path("open.mdb"));
-    ASSERT_TRUE(holder.open(QIODevice::ReadOnly));
-    ASSERT_EQ(::flock(holder.handle(), LOCK_SH), 0);
-    EXPECT_EQ(runTimeErrorOf([&] { host::CopyFile(path("source.mdb"), path("open.mdb"), true); }), 70);
-    EXPECT_EQ(read(path("open.mdb")), "in use");
-    ::flock(holder.handle(), LOCK_UN);
-    host::CopyFile(path("source.mdb"), path("open.mdb"), true);
-    EXPECT_EQ(read(path("open.mdb")), "new");
+    holder.close();
+    CopyFile(path("source.mdb"), path("target.mdb"), true);
+    CopyFile(path("source.mdb"), path("copy.mdb"), false);
+    EXPECT_EQ(readFile(path("target.mdb")), big);
+    EXPECT_EQ(readFile(path("copy.mdb")), big);
+    EXPECT_EQ(QDir(dir.path()).entryList(QDir::Files).size(), 3);  // nothing left beside them
 }

@@ -1,144 +1,108 @@
+// The registry object over its two settings files, IniDocument's format included.
+
 #include <gtest/gtest.h>
 
 #include <QDir>
-#include <QFile>
 #include <QTemporaryDir>
 
+#include "../support/TestSupport.h"
+
 #include "host/Registry.h"
-#include "host/VbError.h"
 
 using namespace host;
 
 namespace {
 
-const QString kKey = QStringLiteral("Software\\Vorbex\\Pro");
-
-QByteArray fileBytes(const QString& path)
-{
-    QFile f(path);
-    return f.open(QIODevice::ReadOnly) ? f.readAll() : QByteArray();
-}
-
-void writeFile(const QString& path, const QByteArray& bytes)
-{
-    QFile f(path);
-    ASSERT_TRUE(f.open(QIODevice::WriteOnly));
-    f.write(bytes);
-}
+const QString kPro = QStringLiteral("Software\\Vorbex\\Pro");
+const QString kDatabase = QStringLiteral("SOFTWARE\\Vorbex\\Settings\\Database");
 
 int32_t writeError(Registry& registry)
 {
-    try {
-        registry.write(HKEY_LOCAL_MACHINE, kKey, QStringLiteral("TypeNum"), QStringLiteral("1"));
-    } catch (const jet::RuntimeError& e) {
-        return e.number();
-    }
-    return 0;
+    return runTimeErrorOf([&] { registry.write(HKEY_LOCAL_MACHINE, kPro, "TypeNum", "1"); });
 }
 
 }  // namespace
 
-TEST(Registry, MissingFolderReadsAsTheDefault)
+TEST(Registry, ValuesPersistPerRootUnderNamesThatIgnoreCase)
 {
     QTemporaryDir dir;
-    Registry registry(dir.path() + QStringLiteral("/not/there"));
-    EXPECT_EQ(registry.read(HKEY_CURRENT_USER, kKey, QStringLiteral("TypeNum")), QString());
-    EXPECT_EQ(registry.read(HKEY_CURRENT_USER, kKey, QStringLiteral("TypeNum"), QStringLiteral("d")), "d");
+    Registry first(dir.path() + "/Vorbex");  // the folder is made by the first write
+    EXPECT_EQ(first.read(HKEY_CURRENT_USER, kPro, "TypeNum") + first.read(HKEY_CURRENT_USER, kPro, "TypeNum", "d"), "d");
+    first.write(HKEY_CURRENT_USER, kPro, "TableSepparator", "59");
+    first.write(HKEY_LOCAL_MACHINE, "SOFTWARE\\VORBEX\\PRO", "tablesepparator", "9");
+    first.write(HKEY_LOCAL_MACHINE, kPro, "TABLESEPPARATOR", "44");
+    first.write(HKEY_LOCAL_MACHINE, kDatabase, "", "/db");  // the key's default value
+    first.write(HKEY_LOCAL_MACHINE, kDatabase, "@", "at");
+    Registry again(dir.path() + "/Vorbex");
+    EXPECT_EQ(QStringList({again.read(HKEY_CURRENT_USER, "software\\vorbex\\pro", "TABLESEPPARATOR"),
+                           again.read(HKEY_LOCAL_MACHINE, kPro, "TableSepparator"),
+                           again.read(HKEY_LOCAL_MACHINE, "Software\\Vorbex\\Settings\\Database", ""),
+                           again.read(HKEY_LOCAL_MACHINE, kDatabase, "@"), again.read(HKEY_CURRENT_USER, kDatabase, "")}),
+              QStringList({"59", "44", "/db", "at", ""}));
+    // The first spelling stays; nothing is left beside the two files.
+    EXPECT_EQ(readFile(again.filePath(HKEY_LOCAL_MACHINE)),
+              "[SOFTWARE\\VORBEX\\PRO]\ntablesepparator=44\n\n[SOFTWARE\\Vorbex\\Settings\\Database]\n@=/db\n%40=at\n");
+    EXPECT_EQ(QDir(again.folder()).entryList(QDir::Files), QStringList({"HKEY_CURRENT_USER.ini", "HKEY_LOCAL_MACHINE.ini"}));
 }
 
-TEST(Registry, WrittenValuesPersistPerRootAndCaseInsensitively)
-{
-    QTemporaryDir dir;
-    {
-        Registry registry(dir.path() + QStringLiteral("/Vorbex"));  // the folder is made on first write
-        registry.write(HKEY_CURRENT_USER, kKey, QStringLiteral("TableSepparator"), QStringLiteral("59"));
-        registry.write(HKEY_LOCAL_MACHINE, kKey, QStringLiteral("TableSepparator"), QStringLiteral("9"));
-        registry.write(HKEY_LOCAL_MACHINE, QStringLiteral("SOFTWARE\\Vorbex\\Settings\\Database"), QString(),
-                       QString::fromUtf8("/home/пользователь/db"));
-    }
-    Registry again(dir.path() + QStringLiteral("/Vorbex"));
-    EXPECT_EQ(again.read(HKEY_CURRENT_USER, QStringLiteral("software\\VORBEX\\pro"), QStringLiteral("tablesepparator")), "59");
-    EXPECT_EQ(again.read(HKEY_LOCAL_MACHINE, kKey, QStringLiteral("TableSepparator")), "9");
-    EXPECT_EQ(again.read(HKEY_LOCAL_MACHINE, QStringLiteral("Software\\Vorbex\\Settings\\Database"), QString()),
-              QString::fromUtf8("/home/пользователь/db"));
-    EXPECT_EQ(again.read(HKEY_CURRENT_USER, QStringLiteral("SOFTWARE\\Vorbex\\Settings\\Database"), QString()), QString());
-    EXPECT_TRUE(QFile::exists(again.filePath(HKEY_CURRENT_USER)));
-    EXPECT_TRUE(again.filePath(HKEY_LOCAL_MACHINE).endsWith("/HKEY_LOCAL_MACHINE.ini"));
-    // The atomic write leaves no temporary files behind.
-    EXPECT_EQ(QDir(again.folder()).entryList(QDir::Files).size(), 2);
-}
-
-TEST(Registry, SeesChangesMadeByAnotherProcess)
+TEST(Registry, AnyTextRoundTripsAndLinesNotChangedAreWrittenBackAsTheyWere)
 {
     QTemporaryDir dir;
     Registry registry(dir.path());
-    EXPECT_EQ(registry.read(HKEY_CURRENT_USER, kKey, QStringLiteral("TypeNum")), QString());
-    writeFile(registry.filePath(HKEY_CURRENT_USER), "[Software\\Vorbex\\Pro]\nTypeNum=2\n");
-    EXPECT_EQ(registry.read(HKEY_CURRENT_USER, kKey, QStringLiteral("TypeNum")), "2");
-    Registry other(dir.path());
-    other.write(HKEY_CURRENT_USER, kKey, QStringLiteral("TypeNum"), QStringLiteral("1"));
-    EXPECT_EQ(registry.read(HKEY_CURRENT_USER, kKey, QStringLiteral("TypeNum")), "1");
-    // ...and writes on top of them rather than over them.
-    other.write(HKEY_CURRENT_USER, kKey, QStringLiteral("Other"), QStringLiteral("x"));
-    registry.write(HKEY_CURRENT_USER, kKey, QStringLiteral("Mine"), QStringLiteral("y"));
-    EXPECT_EQ(Registry(dir.path()).read(HKEY_CURRENT_USER, kKey, QStringLiteral("Other")), "x");
+    const QStringList texts = {"C:\\Program Files", "a=b=c", "line1\nline2\r\n", "  padded  ", "%41", "[section]",
+                               "; no comment", "# nor this", QString::fromUtf8("Кириллица 中文"), "@", "tab\there",
+                               QString(QChar(0)) + "nul", "]"};
+    for (const QString& text : texts)
+        registry.write(HKEY_CURRENT_USER, text, text, text);
+    for (const QString& text : texts)
+        EXPECT_EQ(Registry(dir.path()).read(HKEY_CURRENT_USER, text, text), text) << text.toStdString();
+
+    const QString file = registry.filePath(HKEY_LOCAL_MACHINE);
+    const QByteArray byHand = "; by hand\r\nstray\n[Software\\Vorbex\\Pro]\n  TypeNum   =  2  \nnot a value\n# c\n\n"
+                              "[Other]\nx=%zz\n[software\\vorbex\\PRO]\nWinX=1\n";
+    writeFile(file, byHand);
+    EXPECT_EQ(registry.read(HKEY_LOCAL_MACHINE, kPro, "TypeNum") + registry.read(HKEY_LOCAL_MACHINE, "Other", "x") +
+                  registry.read(HKEY_LOCAL_MACHINE, kPro, "WinX"),
+              "2%zz1");  // a repeated section goes on the first
+    registry.write(HKEY_LOCAL_MACHINE, kPro, "typenum", "2");  // unchanged: not written
+    EXPECT_EQ(readFile(file), byHand);
+    registry.write(HKEY_LOCAL_MACHINE, kPro, "TypeNum", "1");
+    EXPECT_EQ(readFile(file), "; by hand\r\nstray\n[Software\\Vorbex\\Pro]\nTypeNum=1\nnot a value\n# c\n\nWinX=1\n"
+                              "[Other]\nx=%zz\n");
+    // What another process writes is seen, and written on top of rather than over.
+    writeFile(file, "[Software\\Vorbex\\Pro]\nTypeNum=3\n");
+    EXPECT_EQ(registry.read(HKEY_LOCAL_MACHINE, kPro, "TypeNum"), "3");
+    Registry(dir.path()).write(HKEY_LOCAL_MACHINE, kPro, "Other", "x");
+    registry.write(HKEY_LOCAL_MACHINE, kPro, "Mine", "y");
+    EXPECT_EQ(Registry(dir.path()).read(HKEY_LOCAL_MACHINE, kPro, "Other"), "x");
 }
 
-TEST(Registry, AnUnreadableFileReadsEmptyAndIsNeverOverwritten)
+TEST(Registry, AFileThatCannotBeReadReadsEmptyAndIsNeverWrittenOver)
 {
     QTemporaryDir dir;
     Registry registry(dir.path());
-    // A folder where the file should be cannot be read by anyone, root included.
-    ASSERT_TRUE(QDir().mkpath(registry.filePath(HKEY_LOCAL_MACHINE)));
-    EXPECT_EQ(registry.read(HKEY_LOCAL_MACHINE, kKey, QStringLiteral("TypeNum")), QString());
+    const QString file = registry.filePath(HKEY_LOCAL_MACHINE);
+    ASSERT_TRUE(QDir().mkpath(file));  // a folder cannot be read by anyone, root included
+    EXPECT_EQ(registry.read(HKEY_LOCAL_MACHINE, kPro, "TypeNum"), "");
     EXPECT_EQ(writeError(registry), 75);
-    EXPECT_TRUE(QFileInfo(registry.filePath(HKEY_LOCAL_MACHINE)).isDir());
-}
-
-TEST(Registry, AnOversizedFileIsLeftAlone)
-{
-    QTemporaryDir dir;
-    Registry registry(dir.path());
-    QByteArray huge = "[Software\\Vorbex\\Pro]\nTypeNum=2\n";
-    huge += QByteArray(IniDocument::kMaxFileSize, '#');
-    writeFile(registry.filePath(HKEY_LOCAL_MACHINE), huge);
-    EXPECT_EQ(registry.read(HKEY_LOCAL_MACHINE, kKey, QStringLiteral("TypeNum")), QString());
+    ASSERT_TRUE(QDir().rmdir(file));
+    const QByteArray huge = "[Software\\Vorbex\\Pro]\nTypeNum=2\n" + QByteArray(IniDocument::kMaxFileSize, '#');
+    writeFile(file, huge);
+    EXPECT_EQ(registry.read(HKEY_LOCAL_MACHINE, kPro, "TypeNum"), "");
     EXPECT_EQ(writeError(registry), 75);
-    EXPECT_EQ(QFileInfo(registry.filePath(HKEY_LOCAL_MACHINE)).size(), huge.size());
+    EXPECT_EQ(QFileInfo(file).size(), huge.size());
+    Registry blocked(file + "/Vorbex");  // nor can a folder be made below a file
+    EXPECT_EQ(writeError(blocked), 75);
 }
 
-TEST(Registry, AFolderThatCannotBeMadeIsRunTimeError75)
+TEST(Registry, TheFolderFollowsTheEnvironment)
 {
-    QTemporaryDir dir;
-    writeFile(dir.path() + QStringLiteral("/blocker"), "a file, not a folder");
-    Registry registry(dir.path() + QStringLiteral("/blocker/Vorbex"));
-    EXPECT_EQ(writeError(registry), 75);
-}
-
-TEST(Registry, UnchangedValuesAreNotRewritten)
-{
-    QTemporaryDir dir;
-    Registry registry(dir.path());
-    writeFile(registry.filePath(HKEY_LOCAL_MACHINE), "[Software\\Vorbex\\Pro]\n  TypeNum = 1 \n");
-    registry.write(HKEY_LOCAL_MACHINE, kKey, QStringLiteral("typenum"), QStringLiteral("1"));
-    EXPECT_EQ(fileBytes(registry.filePath(HKEY_LOCAL_MACHINE)), "[Software\\Vorbex\\Pro]\n  TypeNum = 1 \n");
-}
-
-TEST(Registry, DefaultFolderFollowsTheEnvironment)
-{
-    const QByteArray savedRegistry = qgetenv("SHEETWRIGHT_REGISTRY");
-    const QByteArray savedConfig = qgetenv("XDG_CONFIG_HOME");
-    qputenv("SHEETWRIGHT_REGISTRY", "/tmp/chosen");
+    EnvironmentScope environment;
+    environment.set("SHEETWRIGHT_REGISTRY", "/tmp/chosen");
+    environment.set("XDG_CONFIG_HOME", "/tmp/config");
     EXPECT_EQ(Registry::defaultFolder(), "/tmp/chosen");
-    qunsetenv("SHEETWRIGHT_REGISTRY");
-    qputenv("XDG_CONFIG_HOME", "/tmp/config");
+    environment.set("SHEETWRIGHT_REGISTRY", "");
     EXPECT_EQ(Registry::defaultFolder(), "/tmp/config/Vorbex");
-    qunsetenv("XDG_CONFIG_HOME");
+    environment.set("XDG_CONFIG_HOME", "");
     EXPECT_EQ(Registry::defaultFolder(), QDir::homePath() + "/.config/Vorbex");
-    qputenv("SHEETWRIGHT_REGISTRY", savedRegistry);
-    qputenv("XDG_CONFIG_HOME", savedConfig);
-    if (savedRegistry.isEmpty())
-        qunsetenv("SHEETWRIGHT_REGISTRY");
-    if (savedConfig.isEmpty())
-        qunsetenv("XDG_CONFIG_HOME");
 }

@@ -2,26 +2,18 @@
 
 #include "host/SystemLocale.h"
 
-using host::jetLocaleOf;
 using Order = jet::Locale::DateOrder;
 
 TEST(SystemLocale, TakesTheDecimalSeparatorAndTheShortDateOrder)
 {
-    const jet::Locale russian = jetLocaleOf(QLocale(QLocale::Russian, QLocale::Russia));
-    EXPECT_EQ(russian.decimalSeparator, ",");
-    EXPECT_EQ(russian.dateOrder, Order::DayMonthYear);
-    EXPECT_EQ(russian.dateSeparator, '.');
-
-    const jet::Locale american = jetLocaleOf(QLocale(QLocale::English, QLocale::UnitedStates));
-    EXPECT_EQ(american.decimalSeparator, ".");
-    EXPECT_EQ(american.dateOrder, Order::MonthDayYear);
-    EXPECT_EQ(american.dateSeparator, '/');
-
-    const jet::Locale swedish = jetLocaleOf(QLocale(QLocale::Swedish, QLocale::Sweden));
-    EXPECT_EQ(swedish.dateOrder, Order::YearMonthDay);
-    EXPECT_EQ(swedish.dateSeparator, '-');
-
-    const jet::Locale british = jetLocaleOf(QLocale(QLocale::English, QLocale::UnitedKingdom));
-    EXPECT_EQ(british.dateOrder, Order::DayMonthYear);
-    EXPECT_EQ(british.dateSeparator, '/');
+    const std::vector<std::tuple<QLocale, std::string, Order, char>> cases = {
+        {QLocale(QLocale::Russian, QLocale::Russia), ",", Order::DayMonthYear, '.'},
+        {QLocale(QLocale::English, QLocale::UnitedStates), ".", Order::MonthDayYear, '/'},
+        {QLocale(QLocale::Swedish, QLocale::Sweden), ",", Order::YearMonthDay, '-'},
+        {QLocale(QLocale::English, QLocale::UnitedKingdom), ".", Order::DayMonthYear, '/'}};
+    for (const auto& [locale, decimal, order, separator] : cases) {
+        const jet::Locale taken = host::jetLocaleOf(locale);
+        EXPECT_TRUE(taken.decimalSeparator == decimal && taken.dateOrder == order && taken.dateSeparator == separator)
+            << locale.name().toStdString();
+    }
 }

@@ -1,72 +1,68 @@
+// The caption containers and the language item objects that hold them.
+
 #include <gtest/gtest.h>
 
-#include "../support/RunTimeErrorOf.h"
+#include <limits>
 
-#include "jet/RuntimeError.h"
+#include "../support/TestSupport.h"
 
-#include "lang/CaptionList.h"
-#include "lang/MenuCaptions.h"
-#include "lang/ToolbarCaptions.h"
+#include "lang/ClassIDGenerator.h"
+#include "lang/LangApp.h"
 
 using namespace lang;
 
-TEST(CaptionList, ItemsCountFromOneInTheOrderAdded)
+TEST(CaptionList, CountsFromOneAndTakesAKeyOnceWhateverItsCase)
 {
     CaptionList list;
     list.Add("first");
-    list.Add("second", "Key2");
-    list.Add("third");
+    list.Add("first");
+    list.Add("second", "Scan");
+    EXPECT_EQ(QStringList({list.Item(1), list.Key(1), list.Item(3), list.Key(3)}), QStringList({"first", "", "second", "Scan"}));
+    EXPECT_EQ(runTimeErrorOf([&] { list.Add("again", "SCAN"); }), 457);
     EXPECT_EQ(list.Count(), 3);
-    EXPECT_EQ(list.Item(1), "first");
-    EXPECT_EQ(list.Item(3), "third");
-    EXPECT_EQ(list.Key(1), QString());
-    EXPECT_EQ(list.Key(2), "Key2");
     EXPECT_EQ(runTimeErrorOf([&] { list.Item(0); }), 9);
     EXPECT_EQ(runTimeErrorOf([&] { list.Key(4); }), 9);
-}
-
-TEST(CaptionList, AKeyMayBeUsedOnceButUnkeyedItemsRepeat)
-{
-    CaptionList list;
-    list.Add("a");
-    list.Add("a");
-    list.Add("b", "Scan");
-    EXPECT_EQ(runTimeErrorOf([&] { list.Add("c", "SCAN"); }), 457);
-    EXPECT_EQ(list.Count(), 3);
-}
-
-TEST(MenuCaptions, KeyedByMenuItemInTableOrder)
-{
+    EXPECT_EQ(captionOr(list, 2, "design") + u'|' + captionOr(list, 4, "design"), "first|design");
     MenuCaptions menu;
     menu.Add("&File", "0");
     menu.Add("&Open", "0,1");
-    EXPECT_EQ(menu.Count(), 2);
-    EXPECT_EQ(menu.Key(2), "0,1");
-    EXPECT_EQ(menu.Item(2), "&Open");
+    EXPECT_EQ(menu.Key(2) + u'|' + menu.Item(2), "0,1|&Open");
     EXPECT_EQ(runTimeErrorOf([&] { menu.Add("again", "0,1"); }), 457);
-    EXPECT_EQ(runTimeErrorOf([&] { menu.Item(3); }), 9);
 }
 
-TEST(ToolbarCaptions, FixedSizeTableAddressedByPositionWithAnEmptySlotZero)
+TEST(ToolbarCaptions, AFixedTableByPositionWithAnEmptySlotZero)
 {
     ToolbarCaptions toolbar;
     EXPECT_EQ(toolbar.Count(), 0);
     toolbar.SetSize(14);
-    EXPECT_EQ(toolbar.Count(), 14);
     toolbar.SetItem("NewDB", 1, "New database");
     toolbar.SetItem("Stat", 14, "Statistics");
-    EXPECT_EQ(toolbar.Key(0), QString());  // a form may walk 0..Count
-    EXPECT_EQ(toolbar.Item(0), QString());
-    EXPECT_EQ(toolbar.Key(14), "Stat");
-    EXPECT_EQ(toolbar.Item(1), "New database");
-    EXPECT_EQ(toolbar.Key(7), QString());
+    EXPECT_EQ(QStringList({toolbar.Key(0), toolbar.Item(0), toolbar.Key(14), toolbar.Item(1), toolbar.Key(7)}),
+              QStringList({"", "", "Stat", "New database", ""}));  // a form may walk 0..Count
     EXPECT_EQ(runTimeErrorOf([&] { toolbar.SetItem("Extra", 15, "x"); }), 9);
     EXPECT_EQ(runTimeErrorOf([&] { toolbar.Item(-1); }), 9);
     EXPECT_EQ(runTimeErrorOf([&] { toolbar.SetItem("newdb", 2, "again"); }), 457);
     toolbar.SetItem("NewDB", 1, "replaced in place");
-    EXPECT_EQ(toolbar.Item(1), "replaced in place");
-    toolbar.SetSize(1);
-    EXPECT_EQ(toolbar.Count(), 1);
-    EXPECT_EQ(toolbar.Key(1), "NewDB");  // what still fits is kept
-    EXPECT_EQ(runTimeErrorOf([&] { toolbar.SetSize(-1); }), 9);
+    toolbar.SetSize(1);  // what still fits is kept
+    EXPECT_EQ(toolbar.Key(1) + u'|' + toolbar.Item(1), "NewDB|replaced in place");
+    EXPECT_EQ(runTimeErrorOf([&] { toolbar.Item(2); }), 9);
+}
+
+TEST(LangItems, ContainersAreMadeOnFirstReadAndStatisticItemsNumberedFromOne)
+{
+    LangApp lang;
+    EXPECT_EQ(lang.Table().Menu().Count(), 0);  // usable before any load
+    EXPECT_EQ(&lang.Statistic().ToolBar(), &lang.Statistic().ToolBar());
+    EXPECT_NE(&lang.Table().Login(), &lang.Table().NewDataBase());
+    auto replacement = std::make_shared<CaptionList>();
+    lang.Table().setCommon(replacement);
+    EXPECT_EQ(&lang.Table().Common(), replacement.get());
+    StatisticLangItem first;
+    StatisticLangItem second;
+    EXPECT_EQ(second.ClassDebugID(), first.ClassDebugID() + 1);
+    ClassIDGenerator fresh;
+    EXPECT_EQ(fresh.next(), 1);
+    ClassIDGenerator nearlyFull(std::numeric_limits<int32_t>::max() - 1);
+    EXPECT_EQ(nearlyFull.next(), std::numeric_limits<int32_t>::max());
+    EXPECT_EQ(runTimeErrorOf([&] { nearlyFull.next(); }), 6);
 }

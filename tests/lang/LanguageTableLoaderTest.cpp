@@ -1,13 +1,12 @@
 #include <gtest/gtest.h>
 
-#include <QFile>
 #include <QTemporaryDir>
 
+#include "../support/TestSupport.h"
 #include "LanguageTableText.h"
-#include "jet/RuntimeError.h"
+
 #include "host/Registry.h"
 #include "host/RegistryKeys.h"
-#include "lang/LangApp.h"
 #include "lang/LanguageTableLoader.h"
 #include "ui/ScriptedUiServices.h"
 
@@ -15,45 +14,40 @@ using namespace lang;
 
 namespace {
 
-const QString kShownPath = QStringLiteral("/langs\\Test.lng");
-const QString kStructural = QStringLiteral("Language Table for Vorbex Pro errors!!");
+const QString kAll = "2 2 2 2 14 2 1 1 1 1 2 3 1 1";
+const QString kNone = "0 0 0 0 0 0 0 0 0 0 0 0 0 0";
+// The three messages as "title|style|text".
+const QString kBanner = "Error loading file|48|This file ( /langs\\Test.lng )\r\ndon't language file";
+const QString kVersion = "Error!|48|Don't right version language table for Vorbex Pro";
+const QString kStructural = "Errors!!|48|Language Table for Vorbex Pro errors!!";
 
 class LoaderTest : public testing::Test {
 protected:
-    // Loads the lines; returns the run-time error number that escaped, or 0.
-    int32_t load(const QStringList& lines) { return loadBytes(tableBytes(lines)); }
-    int32_t loadBytes(const QByteArray& bytes)
+    // Loads the small table with its first line `old` replaced by `replacement` (the file
+    // ending at a line "<end>") into fresh captions; returns the number of the run-time
+    // error that escaped, or 0.
+    int32_t load(const QString& old = QString(), const QStringList& replacement = {})
     {
-        host::Registry unused(dir.path());
-        LanguageTableLoader loader(lang, unused, fake);
-        try {
-            EXPECT_FALSE(loader.loadFrom(*readerOf(bytes), kShownPath));
-        } catch (const jet::RuntimeError& e) {
-            return e.number();
-        }
-        return 0;
-    }
-    static QStringList with(QStringList lines, const QString& old, const QStringList& replacement)
-    {
-        const qsizetype at = lines.indexOf(old);
+        QStringList lines = smallLanguageTable();
+        const qsizetype at = old.isEmpty() ? lines.size() : lines.indexOf(old);
         EXPECT_GE(at, 0) << old.toStdString();
-        lines.removeAt(at);
-        for (qsizetype i = 0; i < replacement.size(); ++i)
-            lines.insert(at + i, replacement[i]);
-        return lines;
+        lines = lines.mid(0, at) + replacement + lines.mid(at + 1);
+        return loadBytes(tableBytes(lines.mid(0, lines.indexOf("<end>"))));
     }
-    // A second load into the same captions would append to them: start again.
-    void fresh()
+    int32_t loadBytes(const QByteArray& bytes)
     {
         lang = LangApp();
         fake.clear();
+        host::Registry unused(dir.path());
+        LanguageTableLoader loader(lang, unused, fake);
+        return runTimeErrorOf([&] { EXPECT_FALSE(loader.loadFrom(*readerOf(bytes), "/langs\\Test.lng")); });
     }
-    // The one message shown, as "title|style|text".
-    QString onlyMessage() const
+    QString messages() const
     {
-        const auto boxes = fake.messageBoxes();
-        EXPECT_EQ(boxes.size(), 1u);
-        return boxes.empty() ? QString() : boxes[0].title + u'|' + QString::number(boxes[0].style) + u'|' + boxes[0].prompt;
+        QStringList shown;
+        for (const ui::RecordedBox& box : fake.boxes())
+            shown << box.title + u'|' + QString::number(box.style) + u'|' + box.prompt;
+        return shown.join(u'\n');
     }
 
     QTemporaryDir dir;
@@ -63,214 +57,99 @@ protected:
 
 }  // namespace
 
-TEST_F(LoaderTest, FillsEveryDestinationOfAWholeTable)
+TEST_F(LoaderTest, EachLineKindGoesToItsDestination)
 {
-    EXPECT_EQ(load(smallLanguageTable()), 0);
-    EXPECT_TRUE(fake.boxes().empty());
-    EXPECT_EQ(lang.Buttons().Count(), 2);
-    EXPECT_EQ(lang.Buttons().Item(2), "Cancel");
-    EXPECT_EQ(lang.NumberType().Item(2), "Numbers");
-    const TableLangItem& table = lang.Table();
-    EXPECT_EQ(table.Common().Count(), 2);
-    EXPECT_EQ(table.Common().Item(1), "Main window");
-    EXPECT_EQ(table.Common().Key(1), QString());
-    EXPECT_EQ(table.Menu().Count(), 2);
-    EXPECT_EQ(table.Menu().Key(2), "0,1");
-    EXPECT_EQ(table.Menu().Item(2), "&Open");
-    EXPECT_EQ(table.ToolBar().Count(), 14);
-    EXPECT_EQ(table.ToolBar().Key(1), "NewDB");
-    EXPECT_EQ(table.ToolBar().Item(1), "New database*");  // up to and including the "*"
-    EXPECT_EQ(table.ToolBar().Item(2), "Open database");
-    EXPECT_EQ(table.ToolBar().Key(3), QString());
-    EXPECT_EQ(table.TableOptions().Item(2), "Text tables");
-    EXPECT_EQ(table.Login().Item(3), "Password:");
-    EXPECT_EQ(table.NewDataBase().Item(1), "New database");
-    EXPECT_EQ(table.AddField().Item(1), "Add column");
-    const StatisticLangItem& statistic = lang.Statistic();
-    EXPECT_EQ(statistic.Main().Item(1), "Digitizer");
-    EXPECT_EQ(statistic.Menu().Key(1), "mnuFile");
-    EXPECT_EQ(statistic.ToolBar().Key(1), "Scan");
-    EXPECT_EQ(statistic.ToolBar().Item(1), "Scan*it");  // no "*" rule here
-    EXPECT_EQ(statistic.GraphPlot().Item(1), "Plot");
-    EXPECT_EQ(statistic.BuilderTable().Item(2), "Step");
-    // The header values are checked, not kept.
-    EXPECT_EQ(lang.EngCaption(), QString());
-    EXPECT_EQ(lang.Version(), 0);
-}
-
-TEST_F(LoaderTest, AWrongBannerNamesTheFileAndLoadsNothing)
-{
-    EXPECT_EQ(load(with(smallLanguageTable(), "Vorbex Language Table", {"Vorbex Language table"})), 0);
-    EXPECT_EQ(onlyMessage(), "Error loading file|48|This file ( /langs\\Test.lng )\r\ndon't language file");
-    EXPECT_EQ(lang.Buttons().Count(), 0);
-}
-
-TEST_F(LoaderTest, AFileWithBareLineFeedsIsNotALanguageTable)
-{
-    EXPECT_EQ(loadBytes(tableBytes(smallLanguageTable(), "\n")), 0);
-    EXPECT_TRUE(onlyMessage().startsWith("Error loading file|48|This file ( "));
-}
-
-TEST_F(LoaderTest, VersionsUpToOneAreAcceptedAndHigherOnesRefused)
-{
-    for (const QString version : {"Version=0.5", "Version=abc", "Version=-3", "Version=", "Version=1", "Version= 1.0x"}) {
-        fresh();
-        EXPECT_EQ(load(with(smallLanguageTable(), "Version=1", {version})), 0);
-        EXPECT_EQ(lang.Buttons().Count(), 2) << version.toStdString();
-        EXPECT_TRUE(fake.boxes().empty());
-    }
-    fresh();
-    EXPECT_EQ(load(with(smallLanguageTable(), "Version=1", {"Version=1.01"})), 0);
-    EXPECT_EQ(onlyMessage(), "Error!|48|Don't right version language table for Vorbex Pro");
-    EXPECT_EQ(lang.Buttons().Count(), 0);
-}
-
-TEST_F(LoaderTest, MisspeltHeaderKeysAreStructuralErrors)
-{
-    for (const auto& [line, wrong] : std::vector<std::pair<QString, QString>>{
-             {"Version=1", "Version =1"}, {"Version=1", "Version"}, {"EngCaption=English", "EngCaption:English"},
-             {"OutCaption=English", "outCaption=English"}, {"HelpFile=help.chm", "HelpFile =help.chm"}}) {
-        fresh();
-        EXPECT_EQ(load(with(smallLanguageTable(), line, {wrong})), 0);
-        EXPECT_EQ(onlyMessage(), "Errors!!|48|" + kStructural) << wrong.toStdString();
-    }
-    EXPECT_EQ(lang.Buttons().Count(), 0);
-}
-
-TEST_F(LoaderTest, NumberedLinesMustCountFromOneWithoutGaps)
-{
-    EXPECT_EQ(load(with(smallLanguageTable(), "2=Cancel", {"3=Cancel"})), 0);
-    EXPECT_EQ(onlyMessage(), "Errors!!|48|" + kStructural);
-    EXPECT_EQ(lang.Buttons().Count(), 1);  // what came before the faulty line stays
-    EXPECT_EQ(lang.NumberType().Count(), 0);
-
-    fresh();
-    EXPECT_EQ(load(with(smallLanguageTable(), "1=OK", {"01=OK"})), 0);
-    EXPECT_EQ(onlyMessage(), "Errors!!|48|" + kStructural);
-    EXPECT_EQ(lang.Buttons().Count(), 0);
-}
-
-TEST_F(LoaderTest, TheValueIsEverythingAfterTheFirstEqualsSignAndCannotBeEmpty)
-{
-    EXPECT_EQ(load(with(smallLanguageTable(), "2=Open table", {"2=x=y"})), 0);
+    ASSERT_EQ(load(), 0);
+    const TableLangItem& t = lang.Table();
+    const StatisticLangItem& s = lang.Statistic();
+    EXPECT_EQ(QStringList({lang.Buttons().Item(2), lang.NumberType().Item(2), t.Common().Item(1), t.Common().Key(1),
+                           t.Menu().Key(2), t.Menu().Item(2), t.TableOptions().Item(2), t.Login().Item(3),
+                           t.NewDataBase().Item(1), t.AddField().Item(1), s.Main().Item(1), s.Menu().Key(1),
+                           s.GraphPlot().Item(1), s.BuilderTable().Item(2)}),
+              QStringList({"Cancel", "Numbers", "Main window", "", "0,1", "&Open", "Text tables", "Password:",
+                           "New database", "Add column", "Digitizer", "mnuFile", "Plot", "Step"}));
+    // The main toolbar's text runs up to its first "*" and keeps it; the statistics
+    // toolbar takes the whole rest of the line.
+    EXPECT_EQ(QStringList({t.ToolBar().Key(1), t.ToolBar().Item(1), t.ToolBar().Key(2), t.ToolBar().Item(2),
+                           t.ToolBar().Key(3), s.ToolBar().Key(1), s.ToolBar().Item(1)}),
+              QStringList({"NewDB", "New database*", "OpenDB", "Open database", "", "Scan", "Scan*it"}));
+    EXPECT_EQ(lang.EngCaption() + QString::number(lang.Version()), "0");  // header values are checked, not kept
+    // A caption is everything after the first "="; the character after a menu key's ")"
+    // is not checked.
+    ASSERT_EQ(load("2=Open table", {"2=x=y"}), 0);
     EXPECT_EQ(lang.Table().Common().Item(2), "x=y");
-    EXPECT_TRUE(fake.boxes().empty());
-
-    fresh();
-    EXPECT_EQ(load(with(smallLanguageTable(), "2=Open table", {"2="})), 0);
-    EXPECT_EQ(onlyMessage(), "Errors!!|48|" + kStructural);  // "2=" is not the key "2"
-    EXPECT_EQ(lang.Table().Common().Count(), 1);
-    EXPECT_EQ(lang.Table().Menu().Count(), 0);
+    ASSERT_EQ(load("Item(0,1)=&Open", {"Item(cmdOK):OK"}), 0);
+    EXPECT_EQ(lang.Table().Menu().Key(2) + u'|' + lang.Table().Menu().Item(2), "cmdOK|OK");
 }
 
-TEST_F(LoaderTest, AStructuralErrorKeepsTheSectionsBeforeIt)
+TEST_F(LoaderTest, EachFaultEndsWithItsMessageOrRunTimeErrorAndKeepsWhatCameBefore)
 {
-    EXPECT_EQ(load(with(smallLanguageTable(), "/GraphPlot", {"/Graphplot"})), 0);
-    EXPECT_EQ(onlyMessage(), "Errors!!|48|" + kStructural);
-    EXPECT_EQ(lang.Table().Common().Count(), 2);
-    EXPECT_EQ(lang.Table().TableOptions().Count(), 2);
-    EXPECT_EQ(lang.Statistic().Main().Count(), 1);
-    EXPECT_EQ(lang.Statistic().GraphPlot().Count(), 0);
-    EXPECT_EQ(lang.Table().AddField().Count(), 0);
-}
-
-TEST_F(LoaderTest, SkippedSectionsAreCheckedForTheirOpeningLineOnly)
-{
-    EXPECT_EQ(load(with(smallLanguageTable(), "1=x", {"1=x", "Garbage \x01 line", "/Nested", "\\Nested"})), 0);
-    EXPECT_TRUE(fake.boxes().empty());
-    fresh();
-    EXPECT_EQ(load(with(smallLanguageTable(), "/Tarifs", {"/Tariffs"})), 0);
-    EXPECT_EQ(onlyMessage(), "Errors!!|48|" + kStructural);
-}
-
-TEST_F(LoaderTest, MenuItemsNeedTheItemPrefixButNotAnEqualsSign)
-{
-    EXPECT_EQ(load(with(smallLanguageTable(), "Item(0,1)=&Open", {"Item(cmdOK):OK"})), 0);
-    EXPECT_TRUE(fake.boxes().empty());
-    EXPECT_EQ(lang.Table().Menu().Key(2), "cmdOK");
-    EXPECT_EQ(lang.Table().Menu().Item(2), "OK");
-
-    fresh();
-    EXPECT_EQ(load(with(smallLanguageTable(), "Item(0,1)=&Open", {"item(0,1)=&Open"})), 0);
-    EXPECT_EQ(onlyMessage(), "Errors!!|48|" + kStructural);
-    EXPECT_EQ(lang.Table().Menu().Count(), 1);
-}
-
-TEST_F(LoaderTest, AClosingTableLineAlsoEndsTheNumberedPart)
-{
-    // After "\Table" the menu part begins, so the next line must be a menu item.
-    EXPECT_EQ(load(with(smallLanguageTable(), "/Menu", {"\\Table"})), 0);
-    EXPECT_EQ(lang.Table().Menu().Count(), 2);
-    EXPECT_TRUE(fake.boxes().empty());
-}
-
-TEST_F(LoaderTest, AfterTheToolbarTheSectionMustClose)
-{
-    EXPECT_EQ(load(with(smallLanguageTable(), "\\Statistic", {"\\Table"})), 0);
-    EXPECT_EQ(onlyMessage(), "Errors!!|48|" + kStructural);
-    EXPECT_EQ(lang.Statistic().ToolBar().Count(), 1);
-    EXPECT_EQ(lang.Statistic().GraphPlot().Count(), 0);
-}
-
-TEST_F(LoaderTest, NothingAfterAddFieldIsRead)
-{
-    QStringList lines = smallLanguageTable();
-    lines << "/HostOnly" << "\x01\x02 not even text" << "";
-    EXPECT_EQ(load(lines), 0);
-    EXPECT_TRUE(fake.boxes().empty());
-    EXPECT_EQ(lang.Table().AddField().Count(), 1);
-    // ...and a file that ends right there without a line break loads too.
-    fresh();
-    QByteArray bytes = tableBytes(smallLanguageTable());
-    bytes.chop(2);
-    EXPECT_EQ(loadBytes(bytes), 0);
-    EXPECT_EQ(lang.Table().AddField().Count(), 1);
-}
-
-TEST_F(LoaderTest, RunTimeErrorsPassToTheCallerWithWhatWasReadSoFar)
-{
-    QStringList truncated = smallLanguageTable();
-    truncated = truncated.mid(0, truncated.indexOf("/Statistic") + 2);
-    EXPECT_EQ(load(truncated), 62);  // input past end of file
-    EXPECT_EQ(lang.Statistic().Main().Count(), 1);
-    EXPECT_EQ(lang.Table().Common().Count(), 2);
-    EXPECT_TRUE(fake.boxes().empty());
-
-    fresh();
-    EXPECT_EQ(load(with(smallLanguageTable(), "2=Cancel", {""})), 9);  // GetToken on an empty line
-    fresh();
-    EXPECT_EQ(load(with(smallLanguageTable(), "1=OK", {QString(40000, u'1')})), 6);
-    fresh();
-    EXPECT_EQ(load(with(smallLanguageTable(), "\\Phisics", {"\\Physics"})), 62);  // never closed
-    fresh();
-    QStringList crowded = smallLanguageTable();
+    QStringList crowded{"Item(OpenDB)=Open database"};  // the toolbar has 14 places
     for (int i = 0; i < 13; ++i)
-        crowded.insert(crowded.indexOf("\\Toolbar"), QStringLiteral("Item(Extra%1)=x").arg(i));
-    EXPECT_EQ(load(crowded), 9);  // the toolbar has 14 places
-    fresh();
-    EXPECT_EQ(load(with(smallLanguageTable(), "Item(0,1)=&Open", {"Item(0)=&Again"})), 457);
-    fresh();
-    EXPECT_EQ(load(with(smallLanguageTable(), "Item(OpenDB)=Open database", {"Item(OpenDB)="})), 9);
+        crowded << QStringLiteral("Item(Extra%1)=x").arg(i);
+    // line replaced, lines put in its place, the run-time error, the message, the counts
+    const std::vector<std::tuple<QString, QStringList, int32_t, QString, QString>> cases = {
+        {"", {}, 0, "", kAll},
+        {"Vorbex Language Table", {"Vorbex Language table"}, 0, kBanner, kNone},
+        // Any version up to 1 is taken, 0, negative or none too.
+        {"Version=1", {"Version=0.5"}, 0, "", kAll},
+        {"Version=1", {"Version=abc"}, 0, "", kAll},
+        {"Version=1", {"Version=-3"}, 0, "", kAll},
+        {"Version=1", {"Version="}, 0, "", kAll},
+        {"Version=1", {"Version=1.01"}, 0, kVersion, kNone},
+        // A header key runs up to and including the first "=".
+        {"Version=1", {"Version =1"}, 0, kStructural, kNone},
+        {"Version=1", {"Version"}, 0, kStructural, kNone},
+        {"EngCaption=English", {"EngCaption:English"}, 0, kStructural, kNone},
+        {"OutCaption=English", {"outCaption=English"}, 0, kStructural, kNone},
+        {"HelpFile=help.chm", {"HelpFile =help.chm"}, 0, kStructural, kNone},
+        // Numbered lines count from "1" in plain decimal; "2=" is the key "2=", so no
+        // caption can be empty.
+        {"2=Cancel", {"3=Cancel"}, 0, kStructural, "1 0 0 0 0 0 0 0 0 0 0 0 0 0"},
+        {"1=OK", {"01=OK"}, 0, kStructural, kNone},
+        {"2=Open table", {"2="}, 0, kStructural, "2 2 1 0 0 0 0 0 0 0 0 0 0 0"},
+        // Skipped sections are checked for their opening line only.
+        {"1=x", {"1=x", "Garbage \x01 line", "/Nested", "\\Nested"}, 0, "", kAll},
+        {"/Tarifs", {"/Tariffs"}, 0, kStructural, "2 2 2 2 14 2 0 0 0 0 0 0 0 0"},
+        {"/GraphPlot", {"/Graphplot"}, 0, kStructural, "2 2 2 2 14 2 1 1 1 0 0 0 0 0"},
+        {"Item(0,1)=&Open", {"item(0,1)=&Open"}, 0, kStructural, "2 2 2 1 0 0 0 0 0 0 0 0 0 0"},
+        // "\Table" ends the numbered part as "/Menu" does; after the toolbar the section
+        // must close with its own name.
+        {"/Menu", {"\\Table"}, 0, "", kAll},
+        {"\\Statistic", {"\\Table"}, 0, kStructural, "2 2 2 2 14 2 1 1 1 0 0 0 0 0"},
+        // Nothing after "\AddField" is read.
+        {"\\AddField", {"\\AddField", "/HostOnly", "\x01\x02 not even text", ""}, 0, "", kAll},
+        // What the loader does not handle reaches the caller without a message.
+        {"2=Cancel", {""}, 9, "", "1 0 0 0 0 0 0 0 0 0 0 0 0 0"},  // GetToken on an empty line
+        {"1=OK", {QString(40000, u'1')}, 6, "", kNone},           // a position past 32767
+        {"\\Phisics", {"\\Physics"}, 62, "", "2 2 0 0 0 0 0 0 0 0 0 0 0 0"},  // never closed
+        {"Item(0,1)=&Open", {"Item(0)=&Again"}, 457, "", "2 2 2 1 0 0 0 0 0 0 0 0 0 0"},
+        {"Item(OpenDB)=Open database", {"Item(OpenDB)="}, 9, "", "2 2 2 2 14 0 0 0 0 0 0 0 0 0"},
+        {"Item(OpenDB)=Open database", crowded, 9, "", "2 2 2 2 14 0 0 0 0 0 0 0 0 0"},
+        {"1=Digitizer", {"1=Digitizer", "<end>"}, 62, "", "2 2 2 2 14 2 1 0 0 0 0 0 0 0"}};
+    for (const auto& [old, replacement, error, message, counts] : cases) {
+        const std::string what = old.toStdString() + " -> " + replacement.join(u'|').left(30).toStdString();
+        EXPECT_EQ(load(old, replacement), error) << what;
+        EXPECT_EQ(messages(), message) << what;
+        EXPECT_EQ(captionCounts(lang), counts) << what;
+    }
+    // Line feeds alone do not end a line: such a file is no language table. One that ends
+    // right after "\AddField", without a line break, is whole.
+    EXPECT_EQ(loadBytes(tableBytes(smallLanguageTable(), "\n")), 0);
+    EXPECT_EQ(messages(), kBanner);
+    QByteArray whole = tableBytes(smallLanguageTable());
+    whole.chop(2);
+    EXPECT_EQ(loadBytes(whole), 0);
+    EXPECT_EQ(captionCounts(lang), kAll);
 }
 
-TEST_F(LoaderTest, LoadReadsTheFileFromTheLanguageFolderInTheRegistry)
+TEST_F(LoaderTest, LoadReadsTheFileFromTheFolderTheMachineRootNames)
 {
-    host::Registry registry(dir.path() + "/registry");
-    const QString folder = dir.path() + "/languages";
-    ASSERT_TRUE(QDir().mkpath(folder));
-    registry.write(host::HKEY_LOCAL_MACHINE, host::keys::Languages, QString(), folder);
-    QFile file(folder + "/Test.lng");
-    ASSERT_TRUE(file.open(QIODevice::WriteOnly));
-    file.write(tableBytes(with(smallLanguageTable(), "Vorbex Language Table", {"Something else"})));
-    file.close();
-
+    host::Registry registry(dir.path());
+    registry.write(host::HKEY_LOCAL_MACHINE, host::keys::Languages, QString(), dir.path());
+    writeFile(dir.filePath("Test.lng"), "Something else\r\n");
     LanguageTableLoader loader(lang, registry, fake);
     EXPECT_FALSE(loader.load("Test.lng"));
-    EXPECT_EQ(onlyMessage(), "Error loading file|48|This file ( " + folder + "\\Test.lng )\r\ndon't language file");
-    try {
-        loader.load("Missing.lng");
-        ADD_FAILURE() << "a missing file must raise a run-time error";
-    } catch (const jet::RuntimeError& e) {
-        EXPECT_EQ(e.number(), 53);
-    }
+    EXPECT_EQ(messages(), "Error loading file|48|This file ( " + dir.path() + "\\Test.lng )\r\ndon't language file");
+    EXPECT_EQ(runTimeErrorOf([&] { loader.load("Missing.lng"); }), 53);
 }

@@ -1,14 +1,10 @@
 #include <gtest/gtest.h>
 
-#include <QDir>
-#include <QTemporaryDir>
+#include "../support/FreshProgram.h"
 
-#include "app/ModMain.h"
 #include "host/Registry.h"
 #include "host/RegistryKeys.h"
-#include "jet/RuntimeError.h"
 #include "lang/LangApp.h"
-#include "ui/ScriptedUiServices.h"
 
 using namespace app;
 using host::HKEY_CURRENT_USER;
@@ -17,159 +13,98 @@ namespace keys = host::keys;
 
 namespace {
 
+const QString kLanguages = QStringLiteral(SHEETWRIGHT_SOURCE_DIR "/share/languages");
+
 class MainTest : public testing::Test {
 protected:
-    void SetUp() override
+    void set(host::RegistryRoot root, const QString& key, const QString& name, const QString& value)
     {
-        saved_ = qgetenv("SHEETWRIGHT_REGISTRY");
-        qputenv("SHEETWRIGHT_REGISTRY", QFile::encodeName(dir.path()));
-        resetModuleGlobals();
+        host::Registry(program.path("registry")).write(root, key, name, value);
     }
-    void TearDown() override
+    // Runs Main; returns what the main window found when it was shown, or "" when it was not.
+    QString start()
     {
-        resetModuleGlobals();
-        if (saved_.isEmpty())
-            qunsetenv("SHEETWRIGHT_REGISTRY");
-        else
-            qputenv("SHEETWRIGHT_REGISTRY", saved_);
-    }
-    void setUser(const QString& key, const QString& name, const QString& value)
-    {
-        host::Registry(dir.path()).write(HKEY_CURRENT_USER, key, name, value);
-    }
-    // Runs Main; returns whether the main window was shown.
-    bool start()
-    {
-        bool shown = false;
-        Main([&] { shown = true; });
+        shown.clear();
+        Main([&] {
+            shown = QStringLiteral("%1 box(es) before, caption '%2'")
+                        .arg(program.fake.boxes().size())
+                        .arg(lang::captionOr(gLang().Table().Common(), 1, QString()));
+        });
         return shown;
     }
-    void useShippedLanguageTable(const QString& file)
-    {
-        host::Registry(dir.path()).write(HKEY_LOCAL_MACHINE, keys::Languages, QString(),
-                                         QStringLiteral(SHEETWRIGHT_SOURCE_DIR "/share/languages"));
-        setUser(keys::Languages, keys::LanguageFile, file);
-    }
 
-    QTemporaryDir dir;
-    ui::ScriptedUiServices fake;
-    ui::UiServicesScope use{fake};
-    QByteArray saved_;
+    FreshProgram program;
+    QString shown;
 };
 
 }  // namespace
 
-TEST_F(MainTest, WithNoSettingsAtAllTheWindowStillOpens)
+TEST_F(MainTest, WithNoSettingsAtAllTheWindowOpensAfterTheRunTimeErrorBox)
 {
-    EXPECT_TRUE(start());
+    ASSERT_EQ(start(), "1 box(es) before, caption ''");
+    EXPECT_TRUE(program.fake.boxes()[0].prompt.startsWith("Run-time error '"));  // no language table
+    EXPECT_EQ(program.fake.boxes()[0].style, ui::vbCritical);
     EXPECT_EQ(gTableSeparator, QString(QChar(0)));
     EXPECT_EQ(gTypeNum, 0);
     EXPECT_FALSE(gUseLogin);
-    EXPECT_EQ(gWinX, 0);
-    EXPECT_EQ(gWinY, 0);
-    // The language table could not be opened: the run-time error box, then the window.
-    ASSERT_EQ(fake.boxes().size(), 1u);
-    EXPECT_TRUE(fake.boxes()[0].prompt.startsWith("Run-time error '")) << fake.boxes()[0].prompt.toStdString();
-    EXPECT_EQ(fake.boxes()[0].style, ui::vbCritical);
-    EXPECT_EQ(gLang().Table().Common().Count(), 0);
+    EXPECT_EQ(gWinX + gWinY, 0);
 }
 
-TEST_F(MainTest, SeparatorIsTheCharacterOfTheRoundedCode)
+TEST_F(MainTest, NumbersAreReadWithValAndRoundedHalvesToEven)
 {
-    const std::vector<std::pair<QString, QString>> cases = {
-        {"59", ";"}, {"9", "\t"}, {"59.6", "<"}, {"59.5", "<"}, {"60.5", "<"}, {"abc", QString(QChar(0))}, {"", QString(QChar(0))}};
-    for (const auto& [stored, expected] : cases) {
-        setUser(keys::Pro, keys::TableSeparator, stored);
+    const std::vector<std::pair<QString, QString>> separators = {{"59", ";"},  {"9", "\t"},  {"59.6", "<"},
+                                                                 {"59.5", "<"}, {"60.5", "<"}, {"abc", QString(QChar(0))},
+                                                                 {"", QString(QChar(0))}};
+    for (const auto& [stored, separator] : separators) {
+        set(HKEY_CURRENT_USER, keys::Pro, keys::TableSeparator, stored);
         start();
-        EXPECT_EQ(gTableSeparator, expected) << stored.toStdString();
+        EXPECT_EQ(gTableSeparator, separator) << stored.toStdString();
+    }
+    const std::vector<std::pair<QString, bool>> logins = {{"1", true},    {"2", true},    {"-1", true}, {"0.6", true},
+                                                          {"0.4", false}, {"0.5", false}, {"0", false}, {"x", false}};
+    for (const auto& [stored, asks] : logins) {
+        set(HKEY_CURRENT_USER, keys::Plugin, keys::UseLogin, stored);
+        start();
+        EXPECT_EQ(gUseLogin, asks) << stored.toStdString();
     }
 }
 
-TEST_F(MainTest, UseLoginIsTrueForAnyNonZeroRoundedValue)
+TEST_F(MainTest, ReadsTheUsersValuesAndHasTheirLanguageTableLoadedWhenTheWindowShows)
 {
-    const std::vector<std::pair<QString, bool>> cases = {
-        {"1", true}, {"2", true}, {"-1", true}, {"0.6", true}, {"0.4", false}, {"0.5", false}, {"0", false}, {"x", false}};
-    for (const auto& [stored, expected] : cases) {
-        setUser(keys::Plugin, keys::UseLogin, stored);
-        start();
-        EXPECT_EQ(gUseLogin, expected) << stored.toStdString();
-    }
-}
-
-TEST_F(MainTest, ReadsTheUsersValuesNotTheMachineWideOnes)
-{
-    setUser(keys::Pro, keys::TypeNum, "2");
-    setUser(keys::Plugin, keys::WinX, "9600.5");
-    setUser(keys::Plugin, keys::WinY, "7200");
-    host::Registry machine(dir.path());
-    machine.write(HKEY_LOCAL_MACHINE, keys::Pro, keys::TypeNum, "1");
-    machine.write(HKEY_LOCAL_MACHINE, keys::Pro, keys::TableSeparator, "44");
-    start();
+    set(HKEY_CURRENT_USER, keys::Pro, keys::TypeNum, "2");
+    set(HKEY_CURRENT_USER, keys::Plugin, keys::WinX, "9600.5");
+    set(HKEY_CURRENT_USER, keys::Plugin, keys::WinY, "7200");
+    set(HKEY_CURRENT_USER, keys::Languages, keys::LanguageFile, "English.lng");
+    set(HKEY_LOCAL_MACHINE, keys::Languages, QString(), kLanguages);
+    // What the options dialog wrote machine-wide is not what Main reads.
+    set(HKEY_LOCAL_MACHINE, keys::Pro, keys::TypeNum, "1");
+    set(HKEY_LOCAL_MACHINE, keys::Pro, keys::TableSeparator, "44");
+    set(HKEY_LOCAL_MACHINE, keys::Languages, keys::LanguageFile, "Russian.lng");
+    EXPECT_EQ(start(), "0 box(es) before, caption 'Sheetwright - Access database tables'");
     EXPECT_EQ(gTypeNum, 2);
     EXPECT_FLOAT_EQ(gWinX, 9600.5f);
     EXPECT_FLOAT_EQ(gWinY, 7200.0f);
     EXPECT_EQ(gTableSeparator, QString(QChar(0)));
 }
 
-TEST_F(MainTest, AValueOutOfRangeEndsStartUpBeforeTheWindow)
+TEST_F(MainTest, AnErrorOfTheLanguageTableIsShownAndTheWindowOpensWithWhatWasRead)
 {
-    setUser(keys::Plugin, keys::UseLogin, "40000");  // beyond a 16-bit Integer
-    bool shown = false;
-    try {
-        Main([&] { shown = true; });
-        ADD_FAILURE() << "expected overflow";
-    } catch (const jet::RuntimeError& e) {
-        EXPECT_EQ(e.number(), 6);
-    }
-    EXPECT_FALSE(shown);
-    setUser(keys::Plugin, keys::UseLogin, "0");
-    setUser(keys::Pro, keys::TableSeparator, "300");  // no such character
-    try {
-        start();
-        ADD_FAILURE() << "expected invalid procedure call";
-    } catch (const jet::RuntimeError& e) {
-        EXPECT_EQ(e.number(), 5);
-    }
-}
-
-TEST_F(MainTest, LoadsTheChosenLanguageTable)
-{
-    useShippedLanguageTable("English.lng");
-    EXPECT_TRUE(start());
-    EXPECT_TRUE(fake.boxes().empty());
-    EXPECT_EQ(gLang().Table().Common().Item(1), "Sheetwright - Access database tables");
-}
-
-TEST_F(MainTest, ABrokenLanguageTableIsReportedAndTheWindowOpensWithWhatWasRead)
-{
-    const QString folder = dir.path() + "/languages";
-    ASSERT_TRUE(QDir().mkpath(folder));
-    QFile source(QStringLiteral(SHEETWRIGHT_SOURCE_DIR "/share/languages/English.lng"));
-    ASSERT_TRUE(source.open(QIODevice::ReadOnly));
-    const QByteArray whole = source.readAll();
-    QFile broken(folder + "/Broken.lng");
-    ASSERT_TRUE(broken.open(QIODevice::WriteOnly));
-    broken.write(whole.left(whole.indexOf("/TableOptions")));  // ends early
-    broken.close();
-    host::Registry(dir.path()).write(HKEY_LOCAL_MACHINE, keys::Languages, QString(), folder);
-    setUser(keys::Languages, keys::LanguageFile, "Broken.lng");
-
-    EXPECT_TRUE(start());
-    ASSERT_EQ(fake.boxes().size(), 1u);
-    EXPECT_EQ(fake.boxes()[0].prompt, "Run-time error '62':\n\nInput past end of file");
-    EXPECT_EQ(gLang().Table().Common().Item(1), "Sheetwright - Access database tables");
+    const QByteArray english = readFile(kLanguages + "/English.lng");
+    writeFile(program.path("Broken.lng"), english.left(english.indexOf("/TableOptions")));  // ends early
+    set(HKEY_LOCAL_MACHINE, keys::Languages, QString(), program.dir.path());
+    set(HKEY_CURRENT_USER, keys::Languages, keys::LanguageFile, "Broken.lng");
+    ASSERT_EQ(start(), "1 box(es) before, caption 'Sheetwright - Access database tables'");
+    EXPECT_EQ(program.fake.boxes()[0].prompt, "Run-time error '62':\n\nInput past end of file");
     EXPECT_EQ(gLang().Table().TableOptions().Count(), 0);
 }
 
-TEST_F(MainTest, GlobalsAreCreatedOnFirstUseAndReset)
+TEST_F(MainTest, ASettingOutOfRangeEndsStartUpBeforeTheWindow)
 {
-    lang::LangApp& first = gLang();
-    EXPECT_EQ(&first, &gLang());
-    EXPECT_EQ(gRegistry().folder(), dir.path());
-    gLastResult = "42";
-    gLoginAccepted = true;
-    resetModuleGlobals();
-    EXPECT_EQ(gLastResult, QString());
-    EXPECT_FALSE(gLoginAccepted);
-    EXPECT_EQ(gLang().Table().Common().Count(), 0);
+    set(HKEY_CURRENT_USER, keys::Plugin, keys::UseLogin, "40000");  // beyond a 16-bit Integer
+    EXPECT_EQ(runTimeErrorOf([&] { start(); }), 6);
+    EXPECT_EQ(shown, "");
+    set(HKEY_CURRENT_USER, keys::Plugin, keys::UseLogin, "0");
+    set(HKEY_CURRENT_USER, keys::Pro, keys::TableSeparator, "300");  // no such character
+    EXPECT_EQ(runTimeErrorOf([&] { start(); }), 5);
+    EXPECT_EQ(shown, "");
 }

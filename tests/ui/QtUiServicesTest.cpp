@@ -7,99 +7,75 @@
 #include <QPushButton>
 #include <QTemporaryDir>
 
+#include "../support/TestSupport.h"
 #include "ModalHelper.h"
+
 #include "ui/QtUiServices.h"
 
 using namespace ui;
 
-TEST(QtUiServices, QuestionBoxShowsIconTitleTextAndYesNo)
+namespace {
+
+// What a message box showed: Qt's icon number, title, text, default button, all buttons.
+QString describe(QMessageBox* box)
+{
+    QStringList buttons;
+    for (QAbstractButton* button : box->buttons())
+        buttons << button->text();
+    buttons.sort();
+    return QStringLiteral("%1|%2|%3|%4|").arg(box->icon()).arg(box->windowTitle(), box->text(), box->defaultButton()->text()) +
+           buttons.join(u'|');
+}
+
+}  // namespace
+
+TEST(QtUiServices, MessageAndInputBoxesShowWhatTheyAreGivenAndAnswerWhatIsChosen)
 {
     QtUiServices services;
-    QMessageBox::Icon icon{};
-    QString title, text;
-    int buttonCount = 0;
+    QString shown;
     whenShown<QMessageBox>([&](QMessageBox* box) {
-        icon = box->icon();
-        title = box->windowTitle();
-        text = box->text();
-        buttonCount = static_cast<int>(box->buttons().size());
+        shown = describe(box);
         box->button(QMessageBox::No)->click();
     });
     EXPECT_EQ(services.messageBox("Delete the table T?", vbYesNo | vbQuestion, "Delete table"), vbNo);
-    EXPECT_EQ(icon, QMessageBox::Question);
-    EXPECT_EQ(title, "Delete table");
-    EXPECT_EQ(text, "Delete the table T?");
-    EXPECT_EQ(buttonCount, 2);
-}
-
-TEST(QtUiServices, BoxesWithoutTitleShowTheProgramsNameAndEscapeCancels)
-{
-    QtUiServices services;
-    QMessageBox::Icon icon{};
-    QString title;
-    QAbstractButton* defaultButton = nullptr;
-    QAbstractButton* noButton = nullptr;
+    EXPECT_EQ(shown, "4|Delete table|Delete the table T?|&Yes|&No|&Yes");
+    // Without a title the program's name; Escape is Cancel where the box has one.
     whenShown<QMessageBox>([&](QMessageBox* box) {
-        icon = box->icon();
-        title = box->windowTitle();
-        defaultButton = box->defaultButton();
-        noButton = box->button(QMessageBox::No);
+        shown = describe(box);
         QKeyEvent escape(QEvent::KeyPress, Qt::Key_Escape, Qt::NoModifier);
         QApplication::sendEvent(box, &escape);
     });
     EXPECT_EQ(services.messageBox("Save?", vbYesNoCancel | vbExclamation | vbDefaultButton2, ""), vbCancel);
-    EXPECT_EQ(icon, QMessageBox::Warning);
-    EXPECT_EQ(title, "Sheetwright");
-    EXPECT_EQ(defaultButton, noButton);
-}
-
-TEST(QtUiServices, InputBoxGivesTheTextOrEmptyOnCancel)
-{
-    QtUiServices services;
-    QString label, shownDefault;
+    EXPECT_EQ(shown, "2|Sheetwright|Save?|&No|&No|&Yes|Cancel");
     whenShown<QInputDialog>([&](QInputDialog* dialog) {
-        label = dialog->labelText();
-        shownDefault = dialog->textValue();
+        shown = dialog->windowTitle() + u'|' + dialog->labelText() + u'|' + dialog->textValue();
         dialog->setTextValue("Orders");
         dialog->accept();
     });
     EXPECT_EQ(services.inputBox("Table name:", "New table", "Table1"), "Orders");
-    EXPECT_EQ(label, "Table name:");
-    EXPECT_EQ(shownDefault, "Table1");
+    EXPECT_EQ(shown, "New table|Table name:|Table1");
     whenShown<QInputDialog>([](QInputDialog* dialog) { dialog->reject(); });
     EXPECT_EQ(services.inputBox("Table name:", "New table", "Table1"), QString());
 }
 
-TEST(QtUiServices, OpenDialogUsesTitleFiltersAndReportsTheChosenFilter)
+TEST(QtUiServices, FileDialogsUseTitleAndFiltersAndReportTheChosenFilter)
 {
     QTemporaryDir dir;
-    QFile file(dir.path() + "/data.xml");
-    ASSERT_TRUE(file.open(QIODevice::WriteOnly));
-    file.close();
+    writeFile(dir.filePath("data.xml"), "");
     QtUiServices services;
-    QString title;
-    QStringList filters;
+    QString shown;
     whenShown<QFileDialog>([&](QFileDialog* dialog) {
-        title = dialog->windowTitle();
-        filters = dialog->nameFilters();
-        dialog->selectNameFilter(filters.value(1));
-        dialog->selectFile(file.fileName());
+        shown = dialog->windowTitle() + u'|' + dialog->nameFilters().join(u'|');
+        dialog->selectNameFilter(dialog->nameFilters().value(1));
+        dialog->selectFile(dir.filePath("data.xml"));
         static_cast<QDialog*>(dialog)->accept();  // QFileDialog hides accept()
     });
     const FileDialogResult result = services.openFileDialog(
         {"Open table", "HTML (*.html;*.htm)|*.html;*.htm|XML (*.xml)|*.xml", dir.path(), QString(), 1});
-    EXPECT_EQ(title, "Open table");
-    EXPECT_EQ(filters.size(), 2);
-    EXPECT_EQ(result.fileName, file.fileName());
-    EXPECT_EQ(result.filterIndex, 2);
-
+    EXPECT_EQ(shown, "Open table|HTML (*.html;*.htm) (*.html *.htm)|XML (*.xml) (*.xml)");
+    EXPECT_EQ(result.fileName + u'|' + QString::number(result.filterIndex), dir.filePath("data.xml") + "|2");
     whenShown<QFileDialog>([](QFileDialog* dialog) { dialog->reject(); });
     EXPECT_TRUE(services.saveFileDialog({"Save", "XML (*.xml)|*.xml", dir.path(), "xml", 1}).fileName.isEmpty());
-}
-
-TEST(QtUiServices, ClipboardKeepsPlainText)
-{
-    QtUiServices services;
     services.setClipboardText(QString::fromUtf8("3.14;Привет"));
     EXPECT_EQ(services.clipboardText(), QString::fromUtf8("3.14;Привет"));
 }

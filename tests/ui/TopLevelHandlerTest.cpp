@@ -1,7 +1,13 @@
+// What escapes a piece of the program, by a direct call or from an event handler, is
+// shown in the run-time error box and the program goes on.
+
 #include <gtest/gtest.h>
 
 #include <new>
 #include <stdexcept>
+
+#include <QCoreApplication>
+#include <QEvent>
 
 #include "../support/TestSupport.h"
 
@@ -10,6 +16,22 @@
 #include "ui/TopLevelHandler.h"
 
 using namespace ui;
+
+namespace {
+
+class FailingReceiver : public QObject {
+public:
+    bool event(QEvent* e) override
+    {
+        if (e->type() == QEvent::User)
+            throw host::vbError(host::vberr::SubscriptOutOfRange);
+        ++handled;
+        return true;
+    }
+    int handled = 0;
+};
+
+}  // namespace
 
 TEST(TopLevelHandler, AnEscapedErrorIsShownInTheRunTimeErrorBoxAndTheProgramGoesOn)
 {
@@ -39,4 +61,18 @@ TEST(TopLevelHandler, AnEscapedErrorIsShownInTheRunTimeErrorBoxAndTheProgramGoes
     testing::internal::CaptureStderr();
     EXPECT_FALSE(runHandled([] { throw host::vbError(5); }));
     EXPECT_NE(testing::internal::GetCapturedStderr().find("Run-time error '5'"), std::string::npos);
+}
+
+TEST(TopLevelHandler, AnErrorEscapingAnEventHandlerIsShownAndTheLoopGoesOn)
+{
+    ScriptedUiServices fake;
+    UiServicesScope use(fake);
+    FailingReceiver receiver;
+    QCoreApplication::postEvent(&receiver, new QEvent(QEvent::User));
+    QCoreApplication::postEvent(&receiver, new QEvent(QEvent::Type(QEvent::User + 1)));
+    QCoreApplication::processEvents();
+    EXPECT_EQ(receiver.handled, 1);
+    ASSERT_EQ(fake.boxes().size(), 1u);
+    EXPECT_EQ(QString::number(fake.boxes()[0].style) + u'|' + fake.boxes()[0].prompt,
+              "16|Run-time error '9':\n\nSubscript out of range");
 }

@@ -54,9 +54,6 @@ TEST(LangItems, ContainersAreMadeOnFirstReadAndStatisticItemsNumberedFromOne)
     EXPECT_EQ(lang.Table().Menu().Count(), 0);  // usable before any load
     EXPECT_EQ(&lang.Statistic().ToolBar(), &lang.Statistic().ToolBar());
     EXPECT_NE(&lang.Table().Login(), &lang.Table().NewDataBase());
-    auto replacement = std::make_shared<CaptionList>();
-    lang.Table().setCommon(replacement);
-    EXPECT_EQ(&lang.Table().Common(), replacement.get());
     StatisticLangItem first;
     StatisticLangItem second;
     EXPECT_EQ(second.ClassDebugID(), first.ClassDebugID() + 1);

@@ -59,9 +59,4 @@ TEST(ShippedLanguageTables, LoadWithoutAMessageInTheSameShapeWithWhatTheProgramN
     }
     EXPECT_EQ(en.Table().Common().Item(1), "Sheetwright - Access database tables");
     EXPECT_EQ(ru.Table().Common().Item(1), QString::fromUtf8("Sheetwright - таблицы баз данных Access"));
-    for (const char* name : {"English.lng", "Russian.lng"}) {
-        const QByteArray bytes = readFile(kFolder + name);
-        EXPECT_TRUE(bytes.startsWith("Vorbex Language Table\r\n")) << name;
-        EXPECT_EQ(bytes.count('\n') + bytes.count('\r'), 2 * bytes.count("\r\n")) << name;  // CR LF only
-    }
 }

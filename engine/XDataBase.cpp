@@ -12,13 +12,13 @@
 #include "engine/XDataBase.h"
 
 #include "host/ErrorTrap.h"
-#include "host/FileSystemObject.h"
 #include "host/FunctionLibrary.h"
 #include "host/HostPath.h"
 #include "host/Registry.h"
 #include "host/RegistryKeys.h"
 #include "host/VbError.h"
 #include "jet/Connection.h"
+#include "jet/NewDatabase.h"
 #include "jet/Recordset.h"
 #include "ui/UiServices.h"
 
@@ -167,8 +167,10 @@ bool XDataBase::OpenDataBase(const QString& fileName)
 void XDataBase::CreateDataBase(const QString& /*name*/, const QString& fileName)
 {
     replaceConnection();
-    host::CopyFile(host::localPath(databaseFolder_ + QStringLiteral("\\") + host::keys::TemplateDatabase), fileName,
-                   true);
+    // The engine's own copy, not a plain file copy: a rollback journal a crash left beside
+    // the target must never be applied to the fresh copy.
+    jet::copyDatabase(host::localPath(databaseFolder_ + QStringLiteral("\\") + host::keys::TemplateDatabase).toStdString(),
+                      fileName.toStdString());
     openConnection(QStringLiteral("Provider=microsoft.jet.OLEDB.3.51;Data Source=") + fileName);
 }
 

@@ -152,25 +152,32 @@ void writeCatalogue(Database& db) {
     t.commit();
 }
 
-// Copies the finished scratch file into the target (just created, empty) in one transaction.
-void copyInto(Env& env, const std::string& from, Pager& to) {
-    auto source = env.open(from, OpenMode::ReadOnly);
-    const uint64_t size = source->size();
-    const uint32_t pageSize = to.pageSize();
-    to.begin();
-    for (uint64_t offset = 0; offset < size; offset += pageSize) {
-        const uint32_t page = to.append();
-        if (source->readAt(offset, {to.writable(page), pageSize}) != pageSize)
-            throw IoError("'" + from + "' changed while it was being copied");
-    }
-    to.commit();
-}
-
 void removeQuietly(Env& env, const std::string& path) {
     try {
         env.remove(path);
     } catch (const RuntimeError&) {
         // Nothing more can be done about a file that cannot even be removed.
+    }
+}
+
+// The target becomes a copy of `source`, a database file of `pageSize` pages. Creating the
+// pager takes the target over or refuses it before changing anything; from then on a
+// failure removes the target rather than leave part of a copy.
+void replaceDatabaseFile(Env& env, File& source, uint32_t pageSize, const std::string& target) {
+    std::unique_ptr<Pager> to = Pager::create(env, target, pageSize);
+    try {
+        const uint64_t size = source.size();
+        to->begin();
+        for (uint64_t offset = 0; offset < size; offset += pageSize) {
+            const uint32_t page = to->append();
+            if (source.readAt(offset, {to->writable(page), pageSize}) != pageSize)
+                throw IoError("the source changed while it was being copied");
+        }
+        to->commit();
+    } catch (const RuntimeError&) {
+        to.reset();
+        removeQuietly(env, target);
+        throw;
     }
 }
 
@@ -199,23 +206,26 @@ void createDatabase(const std::string& path, Version version, uint16_t codePage,
     if (version == Version::Jet4) codePage = jet4HeaderCodePage;
     CodePage::get(codePage);  // refuses a code page the engine cannot convert, before any file exists
     const std::string scratch = path + ".creating";
-    bool targetReplaced = false;
     try {
         writeSkeleton(*Pager::create(env, scratch, f.pageSize), version, codePage);
         writeCatalogue(*Database::open(scratch, env));
-        {
-            // Creating the target empties a file of that name; one another program holds
-            // open is refused before anything happens to it.
-            auto target = Pager::create(env, path, f.pageSize);
-            targetReplaced = true;
-            copyInto(env, scratch, *target);
-        }
+        replaceDatabaseFile(env, *env.open(scratch, OpenMode::ReadOnly), f.pageSize, path);
         env.remove(scratch);
         env.syncDirectory(directoryOf(path));
     } catch (const RuntimeError& e) {
         removeQuietly(env, scratch);
-        if (targetReplaced) removeQuietly(env, path);
         throw RuntimeError(e.number(), "The database '" + path + "' cannot be created: " + e.description());
+    }
+}
+
+void copyDatabase(const std::string& source, const std::string& target, Env& env) {
+    try {
+        const std::unique_ptr<Database> from = Database::open(source, env);
+        // The file's own bytes, not the pager's pages: those of an encoded database are decoded.
+        replaceDatabaseFile(env, from->pager().file(), from->format().pageSize, target);
+    } catch (const RuntimeError& e) {
+        throw RuntimeError(e.number(), "The database '" + target + "' cannot be made a copy of '" + source +
+                                           "': " + e.description());
     }
 }
 

@@ -1,12 +1,17 @@
 #pragma once
-// New, empty databases of either format, written from nothing: the header, the global
+// New databases: empty ones of either format, written from nothing (the header, the global
 // usage map, the four system tables with their usage maps, index roots and first data
-// pages, and the catalogue rows and permission rows every database starts with. No
-// template file is involved.
+// pages, and the catalogue rows and permission rows every database starts with), and
+// copies of an existing database such as a template.
 //
-// A new file is first built beside the target ("<path>.creating") and then copied over it
+// Both end the same way: the target is taken over by the pager (refused when another
+// program has it open; a rollback journal a crash left beside it is discarded then, since
+// applying it to the new contents would corrupt them) and the new pages are copied over it
 // in one transaction, so that a failure or a crash leaves either the complete new file or
-// an empty one, never a database with half its catalogue; the scratch file is removed.
+// none, never a database with half its catalogue. Everything that can be refused (a source
+// that is no database, a target in use, a folder that is missing or read-only) is refused
+// before the target is touched. An empty database is built first beside the target
+// ("<path>.creating"), a scratch file that is removed afterwards.
 
 #include <cstdint>
 #include <string>
@@ -29,5 +34,12 @@ void createDatabase(const std::string& path, Version version, uint16_t codePage,
 inline void createDatabase(const std::string& path, Version version) {
     createDatabase(path, version, programCodePage());
 }
+
+// Replaces the database at `target` (or creates it) with a byte-for-byte copy of the
+// database at `source`. Throws RuntimeError when the source cannot be read as a database
+// (the target is left as it was), when the target is in use or cannot be written (left as
+// it was too), or when writing the copy fails (the target is removed then, never left
+// holding part of a copy).
+void copyDatabase(const std::string& source, const std::string& target, Env& env = Env::posix());
 
 }  // namespace jet

@@ -142,8 +142,10 @@ void SchemaWriter::addColumn(const sql::AddColumn& st) {
     Column c = declaredColumn(db_, st.column);
     if (def.findColumn(c.name)) throw columnExists(c.name, table.name);
     if (def.columns().size() >= kMaxColumns || def.maxColumns() >= kMaxColumns) throw tooManyColumns();
-    // Rows written without any variable section must get one once a column needs it.
+    // Rows written without any variable section must get one once a column needs it, and
+    // a new COUNTER numbers the rows already there, as Jet does: 1, 2, 3... in physical order.
     const bool firstVariable = before->varColumns() == 0 && !c.isFixed();
+    const bool counter = c.isAutoNumber() && c.type() == ColumnType::Long;
     const uint16_t number = appendColumn(def, std::move(c));
     checkRowSize(db_, def);
 
@@ -151,11 +153,15 @@ void SchemaWriter::addColumn(const sql::AddColumn& st) {
     MapRows maps(t);
     addLongValueMaps(maps, def, number);
     storeTableDef(t, def);
-    if (firstVariable) {
-        auto rows = db_.openTable(table.name);
-        const std::vector<RowLocation> locations = rows->rowLocations();
+    if (firstVariable || counter) {
+        const std::vector<RowLocation> locations = db_.openTable(table.name)->rowLocations();
         TableWriter& writer = t.table(table.name);
-        for (RowLocation at : locations) writer.relayOut(at, 0);
+        const size_t position = size_t(writer.def().columnByNumber(number) - writer.def().columns().data());
+        int32_t next = 0;
+        for (RowLocation at : locations) {
+            if (firstVariable) writer.relayOut(at, 0);
+            if (counter) writer.numberRow(at, position, ++next);
+        }
     }
     CatalogWriter(t).touch(table, nowSerial());
     t.commit();

@@ -11,9 +11,10 @@
 //    permission rows in MSysACEs that Access derives from the Tables container's.
 //  - ADD, DROP and RENAME rewrite the definition; rows written before stay valid (the
 //    rules of ColumnLayout.h), except that a table's first variable-length column makes
-//    every existing row be laid out again. Indexes refer to column numbers and stay as
-//    they are; a column an index uses cannot be dropped. The catalogue row's DateUpdate
-//    and the column's design properties follow.
+//    every existing row be laid out again, and an added COUNTER gives the existing rows
+//    the numbers 1, 2, 3... in physical order and raises the table's counter past them.
+//    Indexes refer to column numbers and stay as they are; a column an index uses cannot
+//    be dropped. The catalogue row's DateUpdate and the column's design properties follow.
 //  - DROP TABLE removes the catalogue row first, then the permission rows, then gives
 //    every page of the table back (definition, data, indexes, long values, map pages) and
 //    deletes its map rows; a usage-map page whose rows are all gone is given back too.

@@ -165,6 +165,18 @@ RowLocation TableWriter::insert(const std::vector<Variant>& given) {
 }
 
 void TableWriter::update(RowLocation at, const std::vector<std::pair<size_t, Variant>>& changes) {
+    for (const auto& change : changes)
+        if (const Column& c = def_->columns().at(change.first); c.isAutoNumber())
+            throw cannotChange(c, "is an AutoNumber and cannot be changed");
+    rewrite(at, changes);
+}
+
+void TableWriter::numberRow(RowLocation at, size_t column, int32_t number) {
+    rewrite(at, {{column, Variant::longValue(number)}});
+    if (uint32_t(number) > counters_.autoNumber()) counters_.setAutoNumber(uint32_t(number));
+}
+
+void TableWriter::rewrite(RowLocation at, const std::vector<std::pair<size_t, Variant>>& changes) {
     if (changes.empty()) return;
     const auto& columns = def_->columns();
     const Format& f = db_.format();
@@ -177,8 +189,6 @@ void TableWriter::update(RowLocation at, const std::vector<std::pair<size_t, Var
     std::vector<StoredValue> values(columns.size());
     std::vector<bool> changed(columns.size(), false);
     for (const auto& [i, value] : changes) {
-        const Column& c = columns.at(i);
-        if (c.isAutoNumber()) throw cannotChange(c, "is an AutoNumber and cannot be changed");
         converted[i] = convert(i, value);
         changed[i] = true;
     }

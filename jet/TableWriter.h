@@ -58,6 +58,10 @@ public:
     // Changes the given columns (position in def().columns(), value) of a live row.
     void update(RowLocation row, const std::vector<std::pair<size_t, Variant>>& changes);
     void remove(RowLocation row);
+    // Gives a live row `number` in the COUNTER column at position `column`, raising the
+    // table's counter to it: for rows written before the column was added, which hold no
+    // value for it. Ordinary updates may not change a COUNTER value.
+    void numberRow(RowLocation row, size_t column, int32_t number);
     // Writes a live row again in the table's current layout, its values unchanged. For rows
     // written while the table had no variable-length column (`varColumnsWritten` 0): they
     // have no variable section, which readers of a table that has one would misparse.
@@ -65,6 +69,7 @@ public:
     void relayOut(RowLocation row, uint16_t varColumnsWritten);
 
 private:
+    void rewrite(RowLocation row, const std::vector<std::pair<size_t, Variant>>& changes);
     StoredValue store(size_t column, const Variant& value, bool keepInline, std::vector<std::vector<uint8_t>>& written);
     std::vector<uint8_t> layOut(std::vector<StoredValue>& values, const std::vector<Variant>& converted,
                                 std::vector<std::vector<uint8_t>>& written);

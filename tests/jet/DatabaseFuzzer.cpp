@@ -8,18 +8,18 @@
 #include <cstddef>
 #include <cstdint>
 
-#include "MemoryFile.h"
 #include "jet/Checker.h"
 #include "jet/Database.h"
 #include "jet/Schema.h"
 #include "jet/Table.h"
 #include "jet/ValueReader.h"
+#include "testkit/TestFiles.h"
 
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
     using namespace jet;
     std::unique_ptr<Database> db;
     try {
-        db = Database::open(std::make_unique<testing::MemoryFile>(std::vector<uint8_t>(data, data + size)), "fuzz.mdb");
+        db = testkit::openInMemory(std::vector<uint8_t>(data, data + size));
     } catch (const RuntimeError&) {
         return 0;
     }

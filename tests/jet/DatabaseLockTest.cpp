@@ -2,17 +2,17 @@
 // how read-only files and folders open.
 #include <gtest/gtest.h>
 
-#include <cstring>
-#include <filesystem>
-#include <functional>
 #include <signal.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
+#include <filesystem>
+#include <functional>
+
 #include "jet/DatabaseLock.h"
 #include "jet/Journal.h"
-#include "testkit/PlainDatabase.h"
-#include "testkit/TempDir.h"
+#include "testkit/PageWorkload.h"
+#include "testkit/TestFiles.h"
 
 namespace {
 
@@ -20,6 +20,7 @@ using namespace jet::testkit;
 using jet::DatabaseLock;
 using jet::Env;
 using jet::OpenMode;
+namespace fs = std::filesystem;
 
 void expectInUse(const std::function<void()>& open, const std::string& path) {
     try {
@@ -31,26 +32,21 @@ void expectInUse(const std::function<void()>& open, const std::string& path) {
     }
 }
 
-TEST(DatabaseLockFile, SitsBesideTheDatabaseWithTheExtensionReplaced) {
-    EXPECT_EQ("/data/Sales.ldb", DatabaseLock::pathFor("/data/Sales.mdb"));
-    EXPECT_EQ("/data/Sales.ldb", DatabaseLock::pathFor("/data/Sales.MDB"));
-    EXPECT_EQ("/data/Sales.ldb", DatabaseLock::pathFor("/data/Sales"));
-    EXPECT_EQ("/data.v2/Sales.ldb", DatabaseLock::pathFor("/data.v2/Sales"));
-    EXPECT_EQ("/data/.hidden.ldb", DatabaseLock::pathFor("/data/.hidden"));
-    EXPECT_EQ("a.b.ldb", DatabaseLock::pathFor("a.b.mdb"));
-}
-
 class DatabaseLocking : public ::testing::Test {
 protected:
-    void SetUp() override { makePlainDatabase(path, 4); }
+    void SetUp() override { PageWorkload(4).create(Env::posix(), path); }
+    std::unique_ptr<jet::Pager> open(OpenMode mode = OpenMode::ReadWrite) { return PageWorkload::open(Env::posix(), path, mode); }
     TempDir dir;
     std::string path = dir.file("shop.mdb");
     std::string lockFile = dir.file("shop.ldb");
 };
 
-TEST_F(DatabaseLocking, AWriterKeepsALockFileWithItsEntryAndRemovesItOnClose) {
+TEST_F(DatabaseLocking, AWriterKeepsALockFileBesideTheDatabaseWithItsEntry) {
+    EXPECT_EQ("/data/Sales.ldb", DatabaseLock::pathFor("/data/Sales.MDB"));
+    EXPECT_EQ("/data.v2/Sales.ldb", DatabaseLock::pathFor("/data.v2/Sales"));
+    EXPECT_EQ("/data/.hidden.ldb", DatabaseLock::pathFor("/data/.hidden"));
     {
-        auto writer = openPlain(Env::posix(), path);
+        auto writer = open();
         ASSERT_FALSE(writer->readOnly());
         const std::string entry = readAll(lockFile);
         ASSERT_EQ(DatabaseLock::entrySize, entry.size());
@@ -59,48 +55,30 @@ TEST_F(DatabaseLocking, AWriterKeepsALockFileWithItsEntryAndRemovesItOnClose) {
         EXPECT_EQ(std::string(host).substr(0, 31), std::string(entry.c_str()));
         EXPECT_EQ("Admin", std::string(entry.c_str() + 32));
         EXPECT_EQ(std::string(32 - 5, '\0'), entry.substr(37));
+        // While one writes, every other opener is told the file is in use.
+        expectInUse([&] { open(); }, path);
+        expectInUse([&] { open(OpenMode::ReadOnly); }, path);
+        expectInUse([&] { jet::Pager::create(Env::posix(), path, PageWorkload::pageSize); }, path);
+        EXPECT_TRUE(fs::exists(lockFile)) << "a refused opener leaves the writer's lock file alone";
     }
-    EXPECT_FALSE(std::filesystem::exists(lockFile));
-    {
-        auto reader = openPlain(Env::posix(), path, OpenMode::ReadOnly);
-        EXPECT_FALSE(std::filesystem::exists(lockFile)) << "readers make no lock file";
-    }
-}
-
-TEST_F(DatabaseLocking, WhileOneWritesEveryOtherOpenerIsToldTheFileIsInUse) {
-    auto writer = openPlain(Env::posix(), path);
-    expectInUse([&] { openPlain(Env::posix(), path, OpenMode::ReadWrite); }, path);
-    expectInUse([&] { openPlain(Env::posix(), path, OpenMode::ReadOnly); }, path);
-    expectInUse([&] { jet::Pager::create(Env::posix(), path, 2048); }, path);
-    EXPECT_TRUE(std::filesystem::exists(lockFile)) << "a refused opener leaves the writer's lock file alone";
-}
-
-TEST_F(DatabaseLocking, AWriterThatFindsOnlyReadersReadsAlong) {
-    auto reader = openPlain(Env::posix(), path, OpenMode::ReadOnly);
-    auto another = openPlain(Env::posix(), path, OpenMode::ReadOnly);
-    auto wouldBeWriter = openPlain(Env::posix(), path, OpenMode::ReadWrite);
-    EXPECT_TRUE(wouldBeWriter->readOnly());
+    EXPECT_FALSE(fs::exists(lockFile));
+    auto reader = open(OpenMode::ReadOnly);
+    EXPECT_FALSE(fs::exists(lockFile)) << "readers make no lock file";
+    auto wouldBeWriter = open();
+    EXPECT_TRUE(wouldBeWriter->readOnly()) << "a writer that finds a reader reads along";
     EXPECT_EQ("is open in another program", wouldBeWriter->readOnlyReason());
-    EXPECT_FALSE(std::filesystem::exists(lockFile));
-    EXPECT_EQ(plainPage(2), std::string(reinterpret_cast<const char*>(wouldBeWriter->read(2)), plainPageSize));
+    EXPECT_EQ(PageWorkload::page(0, 2), std::string(reinterpret_cast<const char*>(wouldBeWriter->read(2)), PageWorkload::pageSize));
 }
 
-TEST_F(DatabaseLocking, ALeftoverLockFileDoesNotBlockAndIsNotOursToRemove) {
+TEST_F(DatabaseLocking, ALeftoverLockFileDoesNotBlockButOneHeldByAnotherProgramDoes) {
     writeAll(lockFile, std::string(64, 'x'));
-    {
-        auto writer = openPlain(Env::posix(), path);
-        EXPECT_FALSE(writer->readOnly());
-    }
-    EXPECT_EQ(std::string(64, 'x'), readAll(lockFile));
-}
-
-TEST_F(DatabaseLocking, ALockFileHeldByAnotherProgramBlocksWriters) {
-    writeAll(lockFile, "");
+    EXPECT_FALSE(open()->readOnly());
+    EXPECT_EQ(std::string(64, 'x'), readAll(lockFile)) << "not ours to remove";
     auto held = Env::posix().open(lockFile, OpenMode::ReadWrite);
     ASSERT_TRUE(held->tryLockExclusive());
-    expectInUse([&] { openPlain(Env::posix(), path); }, path);
+    expectInUse([&] { open(); }, path);
     held.reset();
-    EXPECT_NO_THROW(openPlain(Env::posix(), path));
+    EXPECT_NO_THROW(open());
 }
 
 TEST_F(DatabaseLocking, AnotherProcessWritingIsDetectedAndItsCrashFreesTheFile) {
@@ -109,7 +87,7 @@ TEST_F(DatabaseLocking, AnotherProcessWritingIsDetectedAndItsCrashFreesTheFile) 
     const pid_t child = ::fork();
     ASSERT_GE(child, 0);
     if (child == 0) {
-        auto writer = openPlain(Env::posix(), path);
+        auto writer = open();
         const char ok = writer->readOnly() ? 'r' : 'w';
         if (::write(ready[1], &ok, 1) != 1) ::_exit(2);
         ::pause();
@@ -120,101 +98,72 @@ TEST_F(DatabaseLocking, AnotherProcessWritingIsDetectedAndItsCrashFreesTheFile) 
     ASSERT_EQ(1, ::read(ready[0], &state, 1));
     ::close(ready[0]);
     EXPECT_EQ('w', state);
-    expectInUse([&] { openPlain(Env::posix(), path); }, path);
-    expectInUse([&] { openPlain(Env::posix(), path, OpenMode::ReadOnly); }, path);
-
+    expectInUse([&] { open(); }, path);
+    expectInUse([&] { open(OpenMode::ReadOnly); }, path);
     ::kill(child, SIGKILL);
     ::waitpid(child, nullptr, 0);
-    EXPECT_TRUE(std::filesystem::exists(lockFile)) << "a killed writer leaves its lock file";
-    auto writer = openPlain(Env::posix(), path);
-    EXPECT_FALSE(writer->readOnly()) << "but the stale lock file does not block";
+    EXPECT_TRUE(fs::exists(lockFile)) << "a killed writer leaves its lock file";
+    EXPECT_FALSE(open()->readOnly()) << "but the stale lock file does not block";
 }
 
-// Real permissions, checked in a child process that runs as an ordinary user (root may write
-// anything), so the file system itself says no.
-class ReadOnlyPermissions : public DatabaseLocking {
-protected:
-    static constexpr uid_t nobody = 65534;
-
-    // Gives the folder (and file) to the user the child runs as, with the given modes.
-    void prepare(const std::string& folder, std::filesystem::perms folderMode, std::filesystem::perms fileMode) {
-        std::filesystem::create_directory(folder);
-        dbPath = folder + "/shop.mdb";
-        makePlainDatabase(dbPath, 4);
+// Real permissions, checked in a child process that runs as an ordinary user (root may
+// write anything), so the file system itself says no.
+TEST_F(DatabaseLocking, ReadOnlyFilesAndFoldersOpenForReadingAndAHotJournalThereIsRefused) {
+    using P = fs::perms;
+    constexpr uid_t nobody = 65534;
+    struct Case {
+        const char* name;
+        P folder, file;
+        bool hotJournal;
+    } cases[] = {{"a read-only file", P(0755), P(0444), false},
+                 {"a read-only folder", P(0555), P(0644), false},
+                 {"a hot journal in a read-only folder", P(0555), P(0644), true}};
+    for (const Case& c : cases) {
+        SCOPED_TRACE(c.name);
+        const std::string folder = dir.file(std::to_string(&c - cases));
+        fs::create_directory(folder);
+        const std::string db = folder + "/shop.mdb";
+        PageWorkload(4).create(Env::posix(), db);
+        if (c.hotJournal) {
+            const std::string page2 = PageWorkload::page(0, 2);
+            const jet::Journal::Original original{2, reinterpret_cast<const uint8_t*>(page2.data())};
+            jet::Journal::write(Env::posix(), jet::Journal::pathFor(db), PageWorkload::pageSize, 4, 1, {&original, 1});
+        }
         if (::geteuid() == 0) {
-            std::filesystem::permissions(dir.path(), std::filesystem::perms(0755));
-            if (::chown(folder.c_str(), nobody, nobody) != 0 || ::chown(dbPath.c_str(), nobody, nobody) != 0)
-                FAIL() << "chown";
+            fs::permissions(dir.path(), P(0755));
+            ASSERT_EQ(0, ::chown(folder.c_str(), nobody, nobody));
+            ASSERT_EQ(0, ::chown(db.c_str(), nobody, nobody));
         }
-        std::filesystem::permissions(dbPath, fileMode);
-        std::filesystem::permissions(folder, folderMode);
+        fs::permissions(db, c.file);
+        fs::permissions(folder, c.folder);
+        auto body = [&]() -> std::string {
+            std::unique_ptr<jet::Pager> pager;
+            try {
+                pager = PageWorkload::open(Env::posix(), db);
+            } catch (const jet::RuntimeError& e) {
+                return c.hotJournal && e.number() == jet::err::ReadOnly ? "" : "open: " + e.description();
+            }
+            if (c.hotJournal) return "opened a half-written file";
+            if (pager->readOnlyReason() != "or its folder is read-only") return "reason: " + pager->readOnlyReason();
+            if (std::memcmp(pager->read(3), PageWorkload::page(0, 3).data(), PageWorkload::pageSize) != 0)
+                return "page 3 reads wrong";
+            try {
+                pager->begin();
+                return "begin() succeeded";
+            } catch (const jet::RuntimeError& e) {
+                if (e.number() != jet::err::ReadOnly) return e.description();
+            }
+            return fs::exists(DatabaseLock::pathFor(db)) ? "made a lock file" : "";
+        };
+        EXPECT_EXIT(
+            {
+                if (::geteuid() == 0 && (::setgid(nobody) != 0 || ::setuid(nobody) != 0)) std::_Exit(2);
+                const std::string failure = body();
+                std::fprintf(stderr, "%s\n", failure.empty() ? "ok" : failure.c_str());
+                std::_Exit(failure.empty() ? 0 : 1);
+            },
+            ::testing::ExitedWithCode(0), "ok");
     }
-
-    static void runAsOrdinaryUser(const std::function<std::string()>& body) {
-        if (::geteuid() == 0 && (::setgid(nobody) != 0 || ::setuid(nobody) != 0)) {
-            std::fprintf(stderr, "cannot become an ordinary user\n");
-            std::_Exit(2);
-        }
-        std::string failure;
-        try {
-            failure = body();
-        } catch (const std::exception& e) {
-            failure = std::string("unexpected error: ") + e.what();
-        }
-        std::fprintf(stderr, "%s\n", failure.empty() ? "ok" : failure.c_str());
-        std::_Exit(failure.empty() ? 0 : 1);
-    }
-
-    // Opens for read-write and expects reading to work and writing to be refused.
-    std::string opensReadOnly() const {
-        auto pager = openPlain(Env::posix(), dbPath, OpenMode::ReadWrite);
-        if (!pager->readOnly()) return "opened for writing";
-        if (pager->readOnlyReason() != "or its folder is read-only") return "reason: " + pager->readOnlyReason();
-        if (std::memcmp(pager->read(3), plainPage(3).data(), plainPageSize) != 0) return "page 3 reads wrong";
-        try {
-            pager->begin();
-            return "begin() succeeded";
-        } catch (const jet::RuntimeError& e) {
-            if (e.number() != jet::err::ReadOnly) return "begin() failed with " + std::to_string(e.number());
-        }
-        if (std::filesystem::exists(DatabaseLock::pathFor(dbPath))) return "made a lock file";
-        return {};
-    }
-
-    std::string dbPath;
-};
-
-TEST_F(ReadOnlyPermissions, AReadOnlyFileOpensForReading) {
-    using P = std::filesystem::perms;
-    prepare(dir.file("writable-folder"), P(0755), P(0444));
-    EXPECT_EXIT(runAsOrdinaryUser([&] { return opensReadOnly(); }), ::testing::ExitedWithCode(0), "ok");
-}
-
-TEST_F(ReadOnlyPermissions, AWritableFileInAReadOnlyFolderOpensForReading) {
-    using P = std::filesystem::perms;
-    prepare(dir.file("read-only-folder"), P(0555), P(0644));
-    EXPECT_EXIT(runAsOrdinaryUser([&] { return opensReadOnly(); }), ::testing::ExitedWithCode(0), "ok");
-}
-
-TEST_F(ReadOnlyPermissions, AHotJournalInAReadOnlyFolderIsRefused) {
-    using P = std::filesystem::perms;
-    const std::string folder = dir.file("read-only-folder");
-    prepare(folder, P(0755), P(0644));
-    // A journal that restores page 2: the file is "half-written".
-    const std::string page2 = plainPage(2);
-    const jet::Journal::Original original{2, reinterpret_cast<const uint8_t*>(page2.data())};
-    jet::Journal::write(Env::posix(), jet::Journal::pathFor(dbPath), plainPageSize, 4, 1, {&original, 1});
-    std::filesystem::permissions(folder, P(0555));
-    EXPECT_EXIT(runAsOrdinaryUser([&]() -> std::string {
-                    try {
-                        openPlain(Env::posix(), dbPath, OpenMode::ReadOnly);
-                        return "opened a half-written file";
-                    } catch (const jet::RuntimeError& e) {
-                        if (e.number() != jet::err::ReadOnly) return e.description();
-                    }
-                    return {};
-                }),
-                ::testing::ExitedWithCode(0), "ok");
 }
 
 }  // namespace

@@ -1,19 +1,25 @@
 // The B-tree against a model: thousands of random inserts and deletes, after each of which
 // the tree must satisfy every shape rule (checked by the verifier), hold exactly the
-// model's entries, and own exactly the pages it has not freed.
+// model's entries, find them, and own exactly the pages it has not freed; the damage the
+// reader and the verifier must catch; and the index page codec against every index page
+// Access wrote in the fixtures.
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <functional>
 #include <random>
 #include <set>
 
-#include "IndexMemoryPages.h"
+#include "VectorIndexPages.h"
+#include "jet/IndexEntry.h"
 #include "jet/IndexKey.h"
+#include "jet/IndexPage.h"
 #include "jet/IndexTextKey.h"
 #include "jet/IndexTree.h"
 #include "jet/IndexTreeVerifier.h"
 #include "jet/IndexTreeWriter.h"
 #include "jet/Pager.h"
+#include "testkit/TestFiles.h"
 
 namespace {
 
@@ -94,7 +100,7 @@ protected:
 
     void expectMatchesModel(const std::set<Bytes>& model, const char* when) {
         const auto owned = pages.treePages();
-        auto report = jet::verifyIndexTree(format, pages, IndexMemoryPages::kRoot, IndexMemoryPages::kOwner,
+        auto report = jet::verifyIndexTree(format, pages, VectorIndexPages::kRoot, VectorIndexPages::kOwner,
                                            [&](uint32_t p) { return owned.count(p) > 0; });
         ASSERT_TRUE(report.sound()) << when << ": " << report.problems.front();
         ASSERT_EQ(model.size(), report.entries.size()) << when;
@@ -105,14 +111,14 @@ protected:
     }
 
     const Format& format;
-    IndexMemoryPages pages;
+    VectorIndexPages pages;
     uint32_t maxDepth = 0;
 };
 
 TEST_P(IndexTreeModel, RandomInsertsAndDeletesKeepEveryRule) {
     KeyMaker keys(GetParam(), 20240601);
-    jet::IndexTreeWriter writer(format, pages, IndexMemoryPages::kRoot, IndexMemoryPages::kOwner);
-    jet::IndexTree tree(format, pages, IndexMemoryPages::kRoot);
+    jet::IndexTreeWriter writer(format, pages, VectorIndexPages::kRoot, VectorIndexPages::kOwner);
+    jet::IndexTree tree(format, pages, VectorIndexPages::kRoot);
     std::set<Bytes> model;
     auto& rng = keys.rng();
 
@@ -149,6 +155,19 @@ TEST_P(IndexTreeModel, RandomInsertsAndDeletesKeepEveryRule) {
             }
             expectMatchesModel(model, phase == 0 ? "growing" : "shrinking");
             if (HasFatalFailure()) return;
+            if (step % 50 == 0 && !model.empty()) {
+                // Every row with a key, also across leaves; and nothing for a key not there.
+                const auto picked = jet::entryKey(*std::next(model.begin(), ptrdiff_t(rng() % model.size())));
+                const Bytes key(picked.begin(), picked.end());
+                std::vector<IndexRowPointer> rows;
+                for (const Bytes& e : model)
+                    if (std::ranges::equal(jet::entryKey(e), key)) rows.push_back(jet::entryRow(e));
+                EXPECT_EQ(rows, tree.rowsWithKey(key));
+                EXPECT_EQ(rows.size() > 1, tree.otherRowWithKey(key, rows[0]).has_value());
+                const Bytes absent = keys.next();
+                EXPECT_EQ(std::ranges::any_of(model, [&](const Bytes& e) { return std::ranges::equal(jet::entryKey(e), absent); }),
+                          tree.containsKey(absent));
+            }
         }
     }
     while (!model.empty()) {
@@ -156,36 +175,9 @@ TEST_P(IndexTreeModel, RandomInsertsAndDeletesKeepEveryRule) {
         expectMatchesModel(model, "emptying");
         if (HasFatalFailure()) return;
     }
-    EXPECT_EQ(std::set<uint32_t>{IndexMemoryPages::kRoot}, pages.treePages()) << "an emptied index is its root alone";
+    EXPECT_EQ(std::set<uint32_t>{VectorIndexPages::kRoot}, pages.treePages()) << "an emptied index is its root alone";
     if (GetParam().kind != KeyKind::Long) {
         EXPECT_GE(maxDepth, 3u) << "keys long enough for three levels";
-    }
-}
-
-TEST_P(IndexTreeModel, LookupsFindExactlyTheModelsKeys) {
-    KeyMaker keys(GetParam(), 77);
-    jet::IndexTreeWriter writer(format, pages, IndexMemoryPages::kRoot, IndexMemoryPages::kOwner);
-    jet::IndexTree tree(format, pages, IndexMemoryPages::kRoot);
-    std::multimap<Bytes, IndexRowPointer> model;
-    std::vector<Bytes> probes;
-    for (int i = 0; i < 400; ++i) {
-        Bytes key = keys.next();
-        probes.push_back(key);
-        if (i % 3 == 0) continue;  // probed but never inserted
-        for (int copies = 0; copies < 1 + i % 2; ++copies) {
-            IndexRowPointer row{uint32_t(i), uint8_t(copies)};
-            if (tree.contains(key, row)) continue;
-            writer.insert(key, row);
-            model.emplace(key, row);
-        }
-    }
-    for (const Bytes& key : probes) {
-        auto [lo, hi] = model.equal_range(key);
-        std::vector<IndexRowPointer> expected;
-        for (auto it = lo; it != hi; ++it) expected.push_back(it->second);
-        std::sort(expected.begin(), expected.end());
-        EXPECT_EQ(expected, tree.rowsWithKey(key));
-        EXPECT_EQ(!expected.empty(), tree.containsKey(key));
     }
 }
 
@@ -202,8 +194,8 @@ INSTANTIATE_TEST_SUITE_P(
 // Shared by the tests below: a Jet 4 tree of `n` text keys (three levels for n >= 400).
 struct BuiltTree {
     const Format& format = Format::of(Version::Jet4);
-    IndexMemoryPages pages{format};
-    jet::IndexTreeWriter writer{format, pages, IndexMemoryPages::kRoot, IndexMemoryPages::kOwner};
+    VectorIndexPages pages{format};
+    jet::IndexTreeWriter writer{format, pages, VectorIndexPages::kRoot, VectorIndexPages::kOwner};
     std::vector<Bytes> entries;
 
     explicit BuiltTree(int n) {
@@ -217,40 +209,10 @@ struct BuiltTree {
         std::sort(entries.begin(), entries.end());
     }
     jet::IndexTreeReport verify(const std::function<bool(uint32_t)>& owned = nullptr) {
-        return jet::verifyIndexTree(format, pages, IndexMemoryPages::kRoot, IndexMemoryPages::kOwner, owned);
+        return jet::verifyIndexTree(format, pages, VectorIndexPages::kRoot, VectorIndexPages::kOwner, owned);
     }
     jet::IndexPage page(uint32_t n) { return jet::decodeIndexPage(format, pages.readPage(n)); }
 };
-
-TEST(IndexTree, RootKeepsItsPageNumberThroughSplits) {
-    BuiltTree t(600);
-    auto report = t.verify();
-    ASSERT_TRUE(report.sound());
-    EXPECT_GE(report.depth, 3u);
-    EXPECT_EQ(IndexMemoryPages::kRoot, report.pages.front());
-    EXPECT_FALSE(t.page(IndexMemoryPages::kRoot).leaf);
-}
-
-TEST(IndexTree, SequentialInsertsFillPagesAtLeastByAThird) {
-    // Autonumber keys arrive in increasing order; splits must not leave a trail of near-empty pages.
-    const Format& f = Format::of(Version::Jet4);
-    IndexMemoryPages pages(f);
-    jet::IndexTreeWriter writer(f, pages, IndexMemoryPages::kRoot, IndexMemoryPages::kOwner);
-    size_t entryBytes = 0;
-    for (int32_t i = 1; i <= 5000; ++i) {
-        uint8_t le[4];
-        jet::putLe32(le, uint32_t(i));
-        Bytes key;
-        std::string problem;
-        jet::appendKeyColumn(key, jet::IndexKeyColumn{}, jet::IndexKeyValue::fromStored(le), problem);
-        writer.insert(key, {uint32_t(i / 200 + 10), uint8_t(i % 200)});
-        entryBytes += key.size() + 4;
-    }
-    auto report = jet::verifyIndexTree(f, pages, IndexMemoryPages::kRoot, IndexMemoryPages::kOwner, nullptr);
-    ASSERT_TRUE(report.sound());
-    EXPECT_EQ(5000u, report.entries.size());
-    EXPECT_LE(report.pages.size() * (f.maxIndexEntryBytes / 3), entryBytes);
-}
 
 TEST(IndexTree, RefusesOverlongKeysAndSecondEntriesForARow) {
     BuiltTree t(10);
@@ -271,100 +233,137 @@ TEST(IndexTree, DamagedTreesAreReportedNotFollowedForever) {
     for (uint32_t p : report.pages)
         if (t.page(p).leaf && t.page(p).prev == 0) firstLeaf = p;
     ASSERT_NE(0u, firstLeaf);
-    jet::putLe32(t.pages.raw(firstLeaf) + f.indexPrevOffset + 4, firstLeaf);
-    jet::IndexTree tree(f, t.pages, IndexMemoryPages::kRoot);
+    jet::putLe32(t.pages.writePage(firstLeaf) + f.indexPrevOffset + 4, firstLeaf);
+    jet::IndexTree tree(f, t.pages, VectorIndexPages::kRoot);
     EXPECT_THROW(tree.entries(), jet::CorruptError);
 
     // A root that names itself as its tail child.
     BuiltTree u(600);
-    jet::putLe32(u.pages.raw(IndexMemoryPages::kRoot) + f.indexPrevOffset + 8, IndexMemoryPages::kRoot);
-    jet::IndexTree loop(f, u.pages, IndexMemoryPages::kRoot);
+    jet::putLe32(u.pages.writePage(VectorIndexPages::kRoot) + f.indexPrevOffset + 8, VectorIndexPages::kRoot);
+    jet::IndexTree loop(f, u.pages, VectorIndexPages::kRoot);
     Bytes big(20, 0xFF);
     EXPECT_THROW(loop.containsKey(big), jet::CorruptError);
     EXPECT_FALSE(u.verify().sound());
 }
 
-// Each kind of damage the integrity checker must name.
+// Each kind of damage the integrity checker must name, made to a tree of three levels.
 TEST(IndexTreeVerifier, NamesEveryKindOfDamage) {
     const Format& f = Format::of(Version::Jet4);
-    auto damaged = [&](auto&& damage) {
+    using Damage = std::function<void(BuiltTree&, const std::vector<uint32_t>& leaves, const std::vector<uint32_t>& nodes,
+                                      std::function<bool(uint32_t)>& owned)>;
+    // Rewrites the first node page (not the root, when asked) that has two children or more.
+    auto editNode = [&](BuiltTree& t, const std::vector<uint32_t>& nodes, bool notRoot, auto edit) {
+        for (uint32_t n : nodes) {
+            jet::IndexPage p = t.page(n);
+            if (p.count() < 2 || (notRoot && n == VectorIndexPages::kRoot)) continue;
+            edit(p);
+            jet::encodeIndexPage(f, p, t.pages.writePage(n));
+            return;
+        }
+    };
+    const std::pair<const char*, Damage> cases[] = {
+        {"not greater", [&](BuiltTree& t, auto& leaves, auto&, auto&) {  // unsorted entries
+             jet::IndexPage p = t.page(leaves[1]);
+             Bytes a(p.entry(0).begin(), p.entry(0).end()), b(p.entry(1).begin(), p.entry(1).end());
+             p.replaceEntry(0, b);
+             p.replaceEntry(1, a);
+             jet::encodeIndexPage(f, p, t.pages.writePage(leaves[1]));
+         }},
+        {"differs from the greatest", [&](BuiltTree& t, auto&, auto& nodes, auto&) {
+             editNode(t, nodes, false, [](jet::IndexPage& p) {
+                 Bytes e(p.entry(0).begin(), p.entry(0).end());
+                 e[e.size() - 5] ^= 0x01;  // the row byte of the copied entry
+                 p.replaceEntry(0, e);
+             });
+         }},
+        {"next page is 0", [&](BuiltTree& t, auto& leaves, auto&, auto&) {
+             jet::putLe32(t.pages.writePage(leaves[2]) + f.indexPrevOffset + 4, 0);
+         }},
+        {"free space is 17", [&](BuiltTree& t, auto& leaves, auto&, auto&) { jet::putLe16(t.pages.writePage(leaves[0]) + 2, 17); }},
+        {"table on page 99", [&](BuiltTree& t, auto& leaves, auto&, auto&) { jet::putLe32(t.pages.writePage(leaves[0]) + 4, 99); }},
+        {"not in the index's usage map", [&](BuiltTree&, auto& leaves, auto&, auto& owned) {
+             owned = [missing = leaves[0]](uint32_t p) { return p != missing; };
+         }},
+        {"no tail", [&](BuiltTree& t, auto&, auto& nodes, auto&) { editNode(t, nodes, false, [](jet::IndexPage& p) { p.tail = 0; }); }},
+        {"reached twice", [&](BuiltTree& t, auto&, auto& nodes, auto&) {
+             editNode(t, nodes, true, [](jet::IndexPage& p) { p.tail = jet::entryChild(p.entry(0)); });
+         }},
+    };
+    for (const auto& [expected, damage] : cases) {
         BuiltTree t(600);
-        auto before = t.verify();
-        EXPECT_TRUE(before.sound());
+        const auto before = t.verify();
+        ASSERT_TRUE(before.sound());
         std::vector<uint32_t> leaves, nodes;
         for (uint32_t p : before.pages) (t.page(p).leaf ? leaves : nodes).push_back(p);
         std::function<bool(uint32_t)> owned = nullptr;
         damage(t, leaves, nodes, owned);
-        auto after = t.verify(owned);
         std::string all;
-        for (auto& p : after.problems) all += p + "\n";
-        return all;
-    };
-    auto swapFirstTwoEntries = [&](BuiltTree& t, std::vector<uint32_t>& leaves, auto&, auto&) {
-        jet::IndexPage p = t.page(leaves[1]);
-        Bytes a(p.entry(0).begin(), p.entry(0).end()), b(p.entry(1).begin(), p.entry(1).end());
-        p.replaceEntry(0, b);
-        p.replaceEntry(1, a);
-        jet::encodeIndexPage(f, p, t.pages.raw(leaves[1]));
-    };
-    EXPECT_NE(std::string::npos, damaged(swapFirstTwoEntries).find("not greater")) << "unsorted entries";
+        for (const auto& p : t.verify(owned).problems) all += p + "\n";
+        EXPECT_NE(std::string::npos, all.find(expected)) << expected << "\nfound:\n" << all;
+    }
+}
 
-    auto changeNodeEntry = [&](BuiltTree& t, auto&, std::vector<uint32_t>& nodes, auto&) {
-        for (uint32_t n : nodes) {
-            jet::IndexPage p = t.page(n);
-            if (p.count() < 2) continue;
-            Bytes e(p.entry(0).begin(), p.entry(0).end());
-            e[e.size() - 5] ^= 0x01;  // the row byte of the copied entry
-            p.replaceEntry(0, e);
-            jet::encodeIndexPage(f, p, t.pages.raw(n));
-            return;
+TEST(IndexPage, EveryAccessWrittenIndexPageDecodesAndEncodesBack) {
+    size_t pagesSeen = 0, compressed = 0;
+    for (const std::string& file : jet::testkit::fixtureNames()) {
+        const Bytes bytes = jet::testkit::readBytes(jet::testkit::fixturePath(file));
+        const Format& f = Format::of(bytes[0x14] == 0 ? jet::Version::Jet3 : jet::Version::Jet4);
+        for (size_t n = 1; n < bytes.size() / f.pageSize; ++n) {
+            const uint8_t* page = bytes.data() + n * f.pageSize;
+            if (page[0] != 3 && page[0] != 4) continue;
+            ++pagesSeen;
+            SCOPED_TRACE(file + " page " + std::to_string(n));
+            jet::IndexPageLayout layout;
+            const jet::IndexPage p = jet::decodeIndexPage(f, page, &layout);
+            EXPECT_EQ(f.pageSize - f.indexEntriesOffset - layout.storedBytes, layout.freeSpace);
+            EXPECT_EQ(page[0] == 4 ? 0 : 1, page[jet::indexPageKindOffset(f)]);
+
+            Bytes out(f.pageSize);
+            jet::encodeIndexPage(f, p, out.data());
+            jet::IndexPageLayout again;
+            const jet::IndexPage q = jet::decodeIndexPage(f, out.data(), &again);
+            ASSERT_EQ(p.count(), q.count());
+            for (size_t i = 0; i < p.count(); ++i)
+                ASSERT_TRUE(std::ranges::equal(p.entry(i), q.entry(i))) << "entry " << i;
+            EXPECT_EQ(std::tie(p.leaf, p.owner, p.prev, p.next, p.tail), std::tie(q.leaf, q.owner, q.prev, q.next, q.tail));
+            EXPECT_LE(again.storedBytes, layout.storedBytes) << "the encoder never needs more room than Access";
+            // Where Access compressed, the encoder chooses the same prefix, so the page is
+            // reproduced byte for byte up to the end of its entries.
+            if (layout.prefixLength > 0) {
+                ++compressed;
+                EXPECT_EQ(0, memcmp(page, out.data(), f.indexEntriesOffset + layout.storedBytes));
+            }
         }
-    };
-    EXPECT_NE(std::string::npos, damaged(changeNodeEntry).find("differs from the greatest")) << "stale node entry";
+    }
+    EXPECT_GT(pagesSeen, 300u);
+    EXPECT_GT(compressed, 5u);
+}
 
-    auto breakChain = [&](BuiltTree& t, std::vector<uint32_t>& leaves, auto&, auto&) {
-        jet::putLe32(t.pages.raw(leaves[2]) + f.indexPrevOffset + 4, 0);
-    };
-    EXPECT_NE(std::string::npos, damaged(breakChain).find("next page is 0")) << "broken leaf chain";
+jet::IndexPage leafWith(std::initializer_list<Bytes> entries) {
+    jet::IndexPage p;
+    p.owner = 9;
+    for (const Bytes& e : entries) p.insertEntry(p.count(), e);
+    return p;
+}
 
-    auto wrongFreeSpace = [&](BuiltTree& t, std::vector<uint32_t>& leaves, auto&, auto&) {
-        jet::putLe16(t.pages.raw(leaves[0]) + 2, 17);
-    };
-    EXPECT_NE(std::string::npos, damaged(wrongFreeSpace).find("free space is 17")) << "free space vs mask";
+TEST(IndexPage, RefusesPagesWhoseEntriesCannotBeRebuilt) {
+    const Format& f = Format::of(jet::Version::Jet4);
+    jet::IndexPage p = leafWith({{0x7F, 1, 2, 3, 0, 0, 5, 1}, {0x7F, 1, 2, 4, 0, 0, 5, 2}});
+    Bytes good(f.pageSize);
+    jet::encodeIndexPage(f, p, good.data());
 
-    auto foreignOwner = [&](BuiltTree& t, std::vector<uint32_t>& leaves, auto&, auto&) {
-        jet::putLe32(t.pages.raw(leaves[0]) + 4, 99);
-    };
-    EXPECT_NE(std::string::npos, damaged(foreignOwner).find("table on page 99")) << "owner";
-
-    auto notInMap = [&](BuiltTree&, std::vector<uint32_t>& leaves, auto&, std::function<bool(uint32_t)>& owned) {
-        const uint32_t missing = leaves[0];
-        owned = [missing](uint32_t p) { return p != missing; };
-    };
-    EXPECT_NE(std::string::npos, damaged(notInMap).find("not in the index's usage map")) << "usage map";
-
-    auto dropTail = [&](BuiltTree& t, auto&, std::vector<uint32_t>& nodes, auto&) {
-        for (uint32_t n : nodes) {
-            jet::IndexPage p = t.page(n);
-            if (p.count() < 2) continue;
-            p.tail = 0;
-            jet::encodeIndexPage(f, p, t.pages.raw(n));
-            return;
-        }
-    };
-    EXPECT_NE(std::string::npos, damaged(dropTail).find("no tail")) << "tail rule";
-
-    auto sharedChild = [&](BuiltTree& t, auto&, std::vector<uint32_t>& nodes, auto&) {
-        for (uint32_t n : nodes) {
-            jet::IndexPage p = t.page(n);
-            if (p.count() < 2 || n == IndexMemoryPages::kRoot) continue;
-            p.tail = jet::entryChild(p.entry(0));
-            jet::encodeIndexPage(f, p, t.pages.raw(n));
-            return;
-        }
-    };
-    EXPECT_NE(std::string::npos, damaged(sharedChild).find("reached twice")) << "page used twice";
-
+    Bytes bad = good;
+    bad[0] = 0x01;
+    EXPECT_THROW(jet::decodeIndexPage(f, bad.data()), jet::CorruptError) << "not an index page";
+    bad = good;
+    jet::putLe16(bad.data() + f.indexPrefixOffset, 9);
+    EXPECT_THROW(jet::decodeIndexPage(f, bad.data()), jet::CorruptError) << "prefix longer than the first entry";
+    bad = good;
+    bad[f.indexMaskOffset + f.indexMaskSize - 1] = 0x80;
+    EXPECT_THROW(jet::decodeIndexPage(f, bad.data()), jet::CorruptError) << "mask past the page";
+    bad = good;
+    bad[f.indexMaskOffset] = 0x08;  // an entry of three bytes cannot hold a row pointer
+    EXPECT_THROW(jet::decodeIndexPage(f, bad.data()), jet::CorruptError) << "entry too short";
 }
 
 }  // namespace

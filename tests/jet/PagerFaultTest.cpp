@@ -8,13 +8,12 @@
 #include "jet/Journal.h"
 #include "testkit/FaultInjectionEnv.h"
 #include "testkit/PageWorkload.h"
-#include "testkit/TempDir.h"
+#include "testkit/TestFiles.h"
 
 namespace {
 
 using namespace jet::testkit;
 using jet::OpenMode;
-using jet::Pager;
 using Fault = FaultInjectionEnv::Fault;
 using CrashMode = FaultInjectionEnv::CrashMode;
 
@@ -22,28 +21,31 @@ using CrashMode = FaultInjectionEnv::CrashMode;
 // pages and appends some, so that its commit is a long run of operations.
 struct Prepared {
     PageWorkload workload{48, 40, 200};
+    TempDir dir{TempDir::Place::InMemory};
+    std::string path = dir.file("pages.db");
     std::string bytes;
+    uint64_t commitOps = 0;  // operations of transaction 3's commit when nothing fails
 
     Prepared() {
-        TempDir dir{TempDir::Place::InMemory};
-        const std::string path = dir.file("pages.db");
         workload.create(jet::Env::posix(), path, 2);
         bytes = readAll(path);
-    }
-
-    // How many operations a commit of transaction 3 takes when nothing fails.
-    uint64_t commitOps() {
-        TempDir dir{TempDir::Place::InMemory};
-        const std::string path = dir.file("pages.db");
-        writeAll(path, bytes);
         FaultInjectionEnv env;
-        auto pager = Pager::open(env, path, OpenMode::ReadWrite, PageWorkload::probe);
-        pager->begin();
-        workload.change(*pager, 3);
+        auto pager = begin3(env);
         const uint64_t first = env.opCount();
         pager->commit();
-        return env.opCount() - first;
+        commitOps = env.opCount() - first;
     }
+    // Transaction 3 begun on a fresh copy of the file after 2, its commit still to come.
+    std::unique_ptr<jet::Pager> begin3(jet::Env& env) {
+        writeAll(path, bytes);
+        std::filesystem::remove(jet::Journal::pathFor(path));  // what an earlier run's crash left
+        std::filesystem::remove(dir.file("pages.ldb"));
+        auto pager = PageWorkload::open(env, path);
+        pager->begin();
+        workload.change(*pager, 3);
+        return pager;
+    }
+    uint64_t state() { return workload.check(*PageWorkload::open(jet::Env::posix(), path, OpenMode::ReadOnly)); }
 };
 
 Prepared& prepared() {
@@ -56,35 +58,22 @@ class PagerFaultSweep : public ::testing::TestWithParam<std::tuple<Fault, CrashM
 TEST_P(PagerFaultSweep, AFaultAtAnyOperationOfACommitLeavesBeforeOrAfterNeverAMix) {
     const auto [fault, mode] = GetParam();
     Prepared& p = prepared();
-    const uint64_t commitOps = p.commitOps();
-    ASSERT_GT(commitOps, 40u) << "the transaction should be long enough to be interesting";
-
-    int endedBefore = 0;
-    for (uint64_t i = 1; i <= commitOps; ++i) {
-        SCOPED_TRACE("fault at operation " + std::to_string(i) + " of " + std::to_string(commitOps));
-        TempDir dir{TempDir::Place::InMemory};
-        const std::string path = dir.file("pages.db");
-        writeAll(path, p.bytes);
+    ASSERT_GT(p.commitOps, 40u) << "the transaction should be long enough to be interesting";
+    for (uint64_t i = 1; i <= p.commitOps; ++i) {
+        SCOPED_TRACE("fault at operation " + std::to_string(i) + " of " + std::to_string(p.commitOps));
         FaultInjectionEnv env;
-        bool committed = true;
+        bool committed = false;
         {
-            auto pager = Pager::open(env, path, OpenMode::ReadWrite, PageWorkload::probe);
-            pager->begin();
-            p.workload.change(*pager, 3);
+            auto pager = p.begin3(env);
             env.injectFault(env.opCount() + i, fault);
-            try {
-                pager->commit();
-            } catch (const jet::IoError&) {
-                committed = false;
-            }
-            ASSERT_FALSE(committed) << "every operation of the commit matters";
+            EXPECT_THROW(pager->commit(), jet::IoError) << "every operation of the commit matters";
             EXPECT_FALSE(pager->inTransaction());
             EXPECT_EQ(2u, p.workload.check(*pager)) << "a failed commit shows the state before";
             if (fault != Fault::PowerLoss) {
                 // The disk still works: the file is restored at once, the pager goes on, and
                 // the same transaction can be committed again.
-                EXPECT_EQ(p.bytes, readAll(path));
-                EXPECT_FALSE(std::filesystem::exists(jet::Journal::pathFor(path)));
+                EXPECT_EQ(p.bytes, readAll(p.path));
+                EXPECT_FALSE(std::filesystem::exists(jet::Journal::pathFor(p.path)));
                 pager->begin();
                 p.workload.change(*pager, 3);
                 pager->commit();
@@ -103,13 +92,8 @@ TEST_P(PagerFaultSweep, AFaultAtAnyOperationOfACommitLeavesBeforeOrAfterNeverAMi
             }
         }
         env.crash(mode, uint32_t(i));
-        auto pager = Pager::open(env, path, OpenMode::ReadOnly, PageWorkload::probe);
-        EXPECT_EQ(committed ? 3u : 2u, p.workload.check(*pager));
-        if (!committed) ++endedBefore;
+        EXPECT_EQ(committed ? 3u : 2u, p.state());
         if (HasFailure()) break;
-    }
-    if (fault == Fault::PowerLoss) {
-        EXPECT_EQ(int(commitOps), endedBefore);
     }
 }
 
@@ -130,45 +114,33 @@ TEST(PagerRestoreFaults, APowerLossWhileUndoingAFailedCommitStillEndsBefore) {
     // The last steps of a commit fail after taking effect (the database synced, the journal
     // removed, the removal made durable); then the power fails at each step of the undo.
     Prepared& p = prepared();
-    const uint64_t commitOps = p.commitOps();
-    for (uint64_t late : {commitOps - 2, commitOps - 1, commitOps}) {
+    for (uint64_t late : {p.commitOps - 2, p.commitOps - 1, p.commitOps}) {
         uint64_t restoreOps = 0;
-        for (uint64_t j = 1; restoreOps == 0 || j <= restoreOps; ++j) {
+        for (uint64_t j = 0; j == 0 || j <= restoreOps; ++j) {
             SCOPED_TRACE("late error at operation " + std::to_string(late) + ", power lost at operation " +
                          std::to_string(j) + " of the undo");
-            TempDir dir{TempDir::Place::InMemory};
-            const std::string path = dir.file("pages.db");
-            writeAll(path, p.bytes);
             FaultInjectionEnv env;
             {
-                auto pager = Pager::open(env, path, OpenMode::ReadWrite, PageWorkload::probe);
-                pager->begin();
-                p.workload.change(*pager, 3);
+                auto pager = p.begin3(env);
                 const uint64_t first = env.opCount();
                 env.injectFault(first + late, Fault::LateError);
-                if (restoreOps > 0) env.injectFault(first + commitOps + j, Fault::PowerLoss);
+                if (j > 0) env.injectFault(first + p.commitOps + j, Fault::PowerLoss);
                 EXPECT_THROW(pager->commit(), jet::IoError);
-                if (restoreOps == 0) {
+                if (j == 0) {
                     // A dry run: count the undo's operations, which all succeed.
-                    restoreOps = env.opCount() - first - commitOps;
+                    restoreOps = env.opCount() - first - p.commitOps;
                     ASSERT_GT(restoreOps, 4u);
-                    EXPECT_EQ(p.bytes, readAll(path));
-                    j = 0;
+                    EXPECT_EQ(p.bytes, readAll(p.path));
                     continue;
                 }
                 EXPECT_THROW(pager->begin(), jet::RuntimeError);
             }
             env.crash(j % 2 ? CrashMode::DropUnsynced : CrashMode::KeepSomeUnsynced, uint32_t(j));
-            auto pager = Pager::open(env, path, OpenMode::ReadOnly, PageWorkload::probe);
-            const uint64_t state = p.workload.check(*pager);  // throws on a mix
-            if (late < commitOps) {
-                EXPECT_EQ(2u, state) << "the journal was still on disk";
-            } else {
-                // The removal of the journal was durable although its sync failed: the
-                // transaction was committed then. The undo may bring the state before back
-                // or, when the power fails first, leave the state after; never a mix.
-                EXPECT_TRUE(state == 2u || state == 3u) << state;
-            }
+            const uint64_t state = p.state();  // throws on a mix
+            // Once the journal's removal was durable the transaction was committed, though
+            // its folder sync failed: the undo may then end before or, cut short, after.
+            if (late < p.commitOps) EXPECT_EQ(2u, state) << "the journal was still on disk";
+            else EXPECT_TRUE(state == 2u || state == 3u) << state;
             if (HasFailure()) return;
         }
     }
@@ -176,49 +148,35 @@ TEST(PagerRestoreFaults, APowerLossWhileUndoingAFailedCommitStillEndsBefore) {
 
 TEST(PagerRecoveryFaults, ARollbackCutShortAtOpenIsDoneAgainAtTheNextOpen) {
     Prepared& p = prepared();
-    const uint64_t commitOps = p.commitOps();
-    TempDir dir{TempDir::Place::InMemory};
-    const std::string path = dir.file("pages.db");
-    const std::string journal = jet::Journal::pathFor(path);
-
+    const std::string journal = jet::Journal::pathFor(p.path);
     // A writer killed just before syncing the database: every page written, the journal hot.
-    writeAll(path, p.bytes);
     {
         FaultInjectionEnv env;
-        auto pager = Pager::open(env, path, OpenMode::ReadWrite, PageWorkload::probe);
-        pager->begin();
-        p.workload.change(*pager, 3);
-        env.injectFault(env.opCount() + commitOps - 2, Fault::PowerLoss);
+        auto pager = p.begin3(env);
+        env.injectFault(env.opCount() + p.commitOps - 2, Fault::PowerLoss);
         ASSERT_THROW(pager->commit(), jet::IoError);
     }
-    const std::string hotDatabase = readAll(path);
-    const std::string hotJournal = readAll(journal);
+    const std::string hotDatabase = readAll(p.path), hotJournal = readAll(journal);
     ASSERT_NE(p.bytes, hotDatabase);
-
     uint64_t recoveryOps = 0;
     {
         FaultInjectionEnv env;
-        auto pager = Pager::open(env, path, OpenMode::ReadOnly, PageWorkload::probe);
+        auto pager = PageWorkload::open(env, p.path, OpenMode::ReadOnly);
         EXPECT_EQ(jet::JournalRecovery::Outcome::RolledBack, pager->recovery().outcome);
-        EXPECT_EQ(2u, p.workload.check(*pager));
         recoveryOps = env.opCount();
     }
-    EXPECT_EQ(p.bytes, readAll(path));
+    EXPECT_EQ(p.bytes, readAll(p.path));
     ASSERT_GT(recoveryOps, 5u);
-
     for (uint64_t i = 1; i <= recoveryOps; ++i) {
         SCOPED_TRACE("power lost at operation " + std::to_string(i) + " of the rollback");
-        writeAll(path, hotDatabase);
+        writeAll(p.path, hotDatabase);
         writeAll(journal, hotJournal);
         FaultInjectionEnv env;
         env.injectFault(i, Fault::PowerLoss);
-        EXPECT_THROW(Pager::open(env, path, OpenMode::ReadWrite, PageWorkload::probe), jet::IoError);
+        EXPECT_THROW(PageWorkload::open(env, p.path), jet::IoError);
         env.crash(CrashMode::KeepSomeUnsynced, uint32_t(i));
-        auto pager = Pager::open(env, path, OpenMode::ReadWrite, PageWorkload::probe);
-        EXPECT_EQ(jet::JournalRecovery::Outcome::RolledBack, pager->recovery().outcome);
-        EXPECT_EQ(2u, p.workload.check(*pager));
-        pager.reset();
-        EXPECT_EQ(p.bytes, readAll(path));
+        EXPECT_EQ(jet::JournalRecovery::Outcome::RolledBack, PageWorkload::open(env, p.path)->recovery().outcome);
+        EXPECT_EQ(p.bytes, readAll(p.path));
     }
 }
 

@@ -15,7 +15,7 @@
 #include "jet/Recordset.h"
 #include "jet/Table.h"
 #include "testkit/ValueSamples.h"
-#include "testkit/WritableCopy.h"
+#include "testkit/TestFiles.h"
 
 #ifndef SHEETWRIGHT_LONG_RUN
 #define SHEETWRIGHT_LONG_RUN 0

@@ -1,14 +1,9 @@
 // The pieces under the table writer, each on its own: rows laid out from column values
 // (every row of every fixture must come back byte for byte per column), conversion of
-// assigned values, page mutations, usage maps that move their window or turn into
-// reference maps, and the global map growing with the file.
+// assigned values, usage maps that move their window or turn into reference maps, and the
+// global map growing with the file.
 #include <gtest/gtest.h>
 
-#include <filesystem>
-
-#include "MemoryFile.h"
-#include "jet/Catalog.h"
-#include "jet/Checker.h"
 #include "jet/DataPageWriter.h"
 #include "jet/Database.h"
 #include "jet/DateSerial.h"
@@ -19,11 +14,11 @@
 #include "jet/UsageMap.h"
 #include "jet/UsageMapWriter.h"
 #include "jet/ValueConverter.h"
-#include "testkit/WritableCopy.h"
+#include "testkit/TestFiles.h"
 
 namespace {
 
-namespace fs = std::filesystem;
+using namespace jet::testkit;
 using jet::Column;
 using jet::ColumnType;
 using jet::Variant;
@@ -44,14 +39,13 @@ void expectSameColumns(const jet::Format& f, const jet::TableDef& def, const std
 
 TEST(RowWriter, EveryStoredRowOfEveryFixtureIsLaidOutAgainWithTheSameColumns) {
     size_t rows = 0, jet3Long = 0;
-    for (const auto& entry : fs::directory_iterator(SHEETWRIGHT_MDB_FIXTURES)) {
-        if (entry.path().extension() != ".mdb") continue;
-        auto db = jet::Database::open(entry.path().string());
+    for (const std::string& file : fixtureNames()) {
+        auto db = jet::Database::open(fixturePath(file));
         for (const auto& e : db->catalog().entries()) {
             if (!e.isTable()) continue;
             auto table = db->openTable(e.name);
             const auto& def = table->def();
-            const std::string where = entry.path().filename().string() + " " + e.name;
+            const std::string where = file + " " + e.name;
             for (auto at : table->rowLocations()) {
                 const auto reader = table->reader(at);
                 std::vector<jet::StoredValue> values;
@@ -99,114 +93,77 @@ Column column(ColumnType type, uint16_t length = 0, uint8_t precision = 0, uint8
     return c;
 }
 
-Variant convert(const Column& c, const Variant& v, jet::Version version = jet::Version::Jet4) {
-    jet::Locale comma;
-    comma.decimalSeparator = ",";
-    comma.dateOrder = jet::Locale::DateOrder::DayMonthYear;
-    comma.dateSeparator = '.';
-    return jet::convertForColumn(c, v, version, *jet::CodePage::get(1252), comma);
-}
-
-bool refused(const Column& c, const Variant& v, jet::Version version = jet::Version::Jet4) {
-    try {
-        convert(c, v, version);
-    } catch (const jet::RuntimeError& e) {
-        return e.number() == jet::err::MultipleStepErrors;
-    }
-    return false;
-}
-
-TEST(ValueConverter, TextBecomesNumbersDatesAndYesNoAsJetReadsIt) {
+// Values assigned to columns of every type, as the locale the application sets writes them;
+// what does not fit is refused, never wrapped or cut.
+TEST(ValueConverter, TextBecomesWhatJetReadsAndWhatDoesNotFitIsRefused) {
+    const jet::Locale comma{",", jet::Locale::DateOrder::DayMonthYear, '.'};
+    auto convert = [&](const Column& c, const Variant& v, jet::Version version = jet::Version::Jet4) {
+        return jet::convertForColumn(c, v, version, *jet::CodePage::get(1252), comma);
+    };
     auto s = [](const char* t) { return Variant::string(t); };
-    EXPECT_EQ(Variant::byte(255), convert(column(ColumnType::Byte), s(" 255 ")));
-    EXPECT_EQ(Variant::integer(-32768), convert(column(ColumnType::Int), s("-32768")));
-    EXPECT_EQ(Variant::longValue(2), convert(column(ColumnType::Long), s("2,5")));    // halves to even
-    EXPECT_EQ(Variant::longValue(4), convert(column(ColumnType::Long), s("3.5")));    // "." is taken too
-    EXPECT_EQ(Variant::longValue(-3), convert(column(ColumnType::Long), Variant::doubleValue(-2.5000001)));
-    EXPECT_EQ(Variant::currency(123456), convert(column(ColumnType::Money), s("12,34565")));
-    EXPECT_EQ(Variant::currency(-4), convert(column(ColumnType::Money), s("-0.00045")));
-    EXPECT_EQ(Variant::currency(-6), convert(column(ColumnType::Money), s("-0.00055")));
-    EXPECT_EQ(Variant::currency(-5), convert(column(ColumnType::Money), s("-0.000450001")));
-    EXPECT_EQ(Variant::doubleValue(1e300), convert(column(ColumnType::Double), s("1E+300")));
-    EXPECT_EQ(Variant::single(0.1f), convert(column(ColumnType::Float), s("0,1")));
-    EXPECT_EQ(Variant::boolean(true), convert(column(ColumnType::Bool), s("yes")));
-    EXPECT_EQ(Variant::boolean(false), convert(column(ColumnType::Bool), s("Off")));
-    EXPECT_EQ(Variant::boolean(true), convert(column(ColumnType::Bool), s("-1")));
-    EXPECT_EQ(Variant::boolean(false), convert(column(ColumnType::Bool), Variant::null()));
-    const Column date = column(ColumnType::DateTime);
     const double leap = jet::dateSerial({2024, 2, 29, 13, 45, 10});
-    EXPECT_EQ(Variant::date(leap), convert(date, s("2024-02-29 13:45:10")));
-    EXPECT_EQ(Variant::date(leap), convert(date, s("29.02.2024 13:45:10")));  // the locale's CStr form
-    EXPECT_EQ(Variant::date(jet::dateSerial({1899, 12, 30, 6, 30, 0})), convert(date, s("06:30:00")));
-    EXPECT_EQ(Variant::date(jet::dateSerial({1805, 6, 12})), convert(date, s("1805-06-12")));
-    EXPECT_EQ(Variant::string("{00112233-4455-6677-8899-AABBCCDDEEFF}"),
-              convert(column(ColumnType::Guid), s("{00112233-4455-6677-8899-aabbccddeeff}")));
-    jet::Decimal d{true, 12345, 2};
-    EXPECT_EQ(Variant::decimal(d), convert(column(ColumnType::Numeric, 17, 10, 2), s("-123,454")));
-    // A blank given to a column that is not text clears it.
-    EXPECT_TRUE(convert(column(ColumnType::Long), s("  ")).isNull());
-    EXPECT_EQ(Variant::string(""), convert(column(ColumnType::Text, 20), s("")));
-}
-
-TEST(ValueConverter, WhatDoesNotFitIsRefusedNotWrappedOrCut) {
-    auto s = [](const char* t) { return Variant::string(t); };
-    EXPECT_TRUE(refused(column(ColumnType::Byte), s("256")));
-    EXPECT_TRUE(refused(column(ColumnType::Byte), s("-1")));
-    EXPECT_TRUE(refused(column(ColumnType::Int), Variant::longValue(32768)));
-    EXPECT_TRUE(refused(column(ColumnType::Long), s("2147483648")));
-    EXPECT_TRUE(refused(column(ColumnType::Long), s("1e10")));
-    EXPECT_TRUE(refused(column(ColumnType::Long), s("12 apples")));
-    EXPECT_TRUE(refused(column(ColumnType::Money), s("1e20")));
-    EXPECT_TRUE(refused(column(ColumnType::Float), s("1e39")));
-    EXPECT_TRUE(refused(column(ColumnType::DateTime), s("2023-02-29")));
-    EXPECT_TRUE(refused(column(ColumnType::DateTime), s("10000-01-01")));
-    EXPECT_TRUE(refused(column(ColumnType::DateTime), s("25:00:00")));
-    EXPECT_TRUE(refused(column(ColumnType::Bool), s("perhaps")));
-    EXPECT_TRUE(refused(column(ColumnType::Guid), s("{00112233-4455-6677-8899-AABBCCDDEEF}")));
-    EXPECT_TRUE(refused(column(ColumnType::Numeric, 17, 4, 2), s("123,45")));  // five digits for precision 4
-    EXPECT_TRUE(refused(column(ColumnType::Text, 10), s("eleven char")));     // Jet 4 length: 2 x characters
-    EXPECT_FALSE(refused(column(ColumnType::Text, 10), s("five!")));
-    EXPECT_TRUE(refused(column(ColumnType::Text, 5), s("\xD0\x96"), jet::Version::Jet3));  // not in cp1252
-    EXPECT_TRUE(refused(column(ColumnType::Binary, 4), Variant::bytes({1, 2, 3, 4, 5})));
-    EXPECT_TRUE(refused(column(ColumnType::Long), Variant::bytes({1})));
-}
-
-TEST(DataPageWriter, RowsKeepTheirSlotsThroughDeletesAndRepacksAndFreeSpaceStaysExact) {
-    const auto& f = jet::Format::of(jet::Version::Jet3);
-    std::vector<uint8_t> page(f.pageSize);
-    jet::DataPageWriter w(f, page.data());
-    w.initialize(77);
-    EXPECT_EQ(f.emptyDataPageFree(), w.view().freeSpace());
-    std::vector<std::vector<uint8_t>> rows;
-    for (int k = 0; w.canAppend(100); ++k) {
-        rows.emplace_back(100, uint8_t(k));
-        EXPECT_EQ(k, w.append(rows.back()));
-        EXPECT_EQ(w.view().computedFreeSpace(), w.view().freeSpace());
+    const std::tuple<Column, Variant, Variant> taken[] = {
+        {column(ColumnType::Byte), s(" 255 "), Variant::byte(255)},
+        {column(ColumnType::Int), s("-32768"), Variant::integer(-32768)},
+        {column(ColumnType::Long), s("2,5"), Variant::longValue(2)},  // halves to even
+        {column(ColumnType::Long), s("3.5"), Variant::longValue(4)},  // "." is taken too
+        {column(ColumnType::Long), Variant::doubleValue(-2.5000001), Variant::longValue(-3)},
+        {column(ColumnType::Money), s("12,34565"), Variant::currency(123456)},
+        {column(ColumnType::Money), s("-0.00045"), Variant::currency(-4)},
+        {column(ColumnType::Money), s("-0.00055"), Variant::currency(-6)},
+        {column(ColumnType::Money), s("-0.000450001"), Variant::currency(-5)},
+        {column(ColumnType::Double), s("1E+300"), Variant::doubleValue(1e300)},
+        {column(ColumnType::Float), s("0,1"), Variant::single(0.1f)},
+        {column(ColumnType::Bool), s("yes"), Variant::boolean(true)},
+        {column(ColumnType::Bool), s("Off"), Variant::boolean(false)},
+        {column(ColumnType::Bool), s("-1"), Variant::boolean(true)},
+        {column(ColumnType::Bool), Variant::null(), Variant::boolean(false)},
+        {column(ColumnType::DateTime), s("2024-02-29 13:45:10"), Variant::date(leap)},
+        {column(ColumnType::DateTime), s("29.02.2024 13:45:10"), Variant::date(leap)},  // the locale's CStr form
+        {column(ColumnType::DateTime), s("06:30:00"), Variant::date(jet::dateSerial({1899, 12, 30, 6, 30, 0}))},
+        {column(ColumnType::DateTime), s("1805-06-12"), Variant::date(jet::dateSerial({1805, 6, 12}))},
+        {column(ColumnType::Guid), s("{00112233-4455-6677-8899-aabbccddeeff}"), s("{00112233-4455-6677-8899-AABBCCDDEEFF}")},
+        {column(ColumnType::Numeric, 17, 10, 2), s("-123,454"), Variant::decimal({true, 12345, 2})},
+        {column(ColumnType::Long), s("  "), Variant::null()},  // a blank clears a column that is not text
+        {column(ColumnType::Text, 20), s(""), s("")},
+        {column(ColumnType::Text, 10), s("five!"), s("five!")},
+    };
+    for (const auto& [c, in, out] : taken) EXPECT_EQ(out, convert(c, in)) << int(c.typeCode) << " " << out.toString(comma);
+    const std::tuple<Column, Variant, jet::Version> refused[] = {
+        {column(ColumnType::Byte), s("256"), jet::Version::Jet4},
+        {column(ColumnType::Byte), s("-1"), jet::Version::Jet4},
+        {column(ColumnType::Int), Variant::longValue(32768), jet::Version::Jet4},
+        {column(ColumnType::Long), s("2147483648"), jet::Version::Jet4},
+        {column(ColumnType::Long), s("1e10"), jet::Version::Jet4},
+        {column(ColumnType::Long), s("12 apples"), jet::Version::Jet4},
+        {column(ColumnType::Money), s("1e20"), jet::Version::Jet4},
+        {column(ColumnType::Float), s("1e39"), jet::Version::Jet4},
+        {column(ColumnType::DateTime), s("2023-02-29"), jet::Version::Jet4},
+        {column(ColumnType::DateTime), s("10000-01-01"), jet::Version::Jet4},
+        {column(ColumnType::DateTime), s("25:00:00"), jet::Version::Jet4},
+        {column(ColumnType::Bool), s("perhaps"), jet::Version::Jet4},
+        {column(ColumnType::Guid), s("{00112233-4455-6677-8899-AABBCCDDEEF}"), jet::Version::Jet4},
+        {column(ColumnType::Numeric, 17, 4, 2), s("123,45"), jet::Version::Jet4},  // five digits for precision 4
+        {column(ColumnType::Text, 10), s("eleven char"), jet::Version::Jet4},      // Jet 4 length: 2 x characters
+        {column(ColumnType::Text, 5), s("\xD0\x96"), jet::Version::Jet3},          // not in code page 1252
+        {column(ColumnType::Binary, 4), Variant::bytes({1, 2, 3, 4, 5}), jet::Version::Jet4},
+        {column(ColumnType::Long), Variant::bytes({1}), jet::Version::Jet4},
+    };
+    for (const auto& [c, in, version] : refused) {
+        try {
+            convert(c, in, version);
+            ADD_FAILURE() << int(c.typeCode) << " took " << in.toString(comma);
+        } catch (const jet::RuntimeError& e) {
+            EXPECT_EQ(jet::err::MultipleStepErrors, e.number());
+        }
     }
-    EXPECT_EQ(19u, rows.size());  // 19 x 102 bytes fit in 2038
-    w.setFlags(3, jet::slot_flag::Deleted);
-    // Row 5 grows: only possible because the repack gives back the deleted row's bytes.
-    std::vector<uint8_t> bigger(150, 0xAB);
-    EXPECT_FALSE(w.canAppend(150));
-    ASSERT_TRUE(w.replace(5, bigger, 0));
-    EXPECT_EQ(w.view().computedFreeSpace(), w.view().freeSpace());
-    for (unsigned k = 0; k < rows.size(); ++k) {
-        if (k == 3) continue;
-        auto r = w.view().row(k);
-        const auto& want = k == 5 ? bigger : rows[k];
-        EXPECT_TRUE(std::equal(r.begin(), r.end(), want.begin(), want.end())) << k;
-    }
-    EXPECT_FALSE(w.replace(6, std::vector<uint8_t>(400, 1), 0)) << "a row that cannot fit leaves the page alone";
-    EXPECT_EQ(18u, w.liveRows());
-    for (unsigned k = 0; k < rows.size(); ++k) w.setFlags(k, jet::slot_flag::Deleted);
-    EXPECT_TRUE(w.holdsNothing());
 }
 
 // A table's maps on a writable copy, inside a transaction that is rolled back at the end.
 struct MapFixture {
     explicit MapFixture(const char* file)
-        : copy(file, jet::testkit::TempDir::Place::InMemory), db(jet::Database::open(copy.path())), tx(*db) {}
-    jet::testkit::WritableCopy copy;
+        : copy(file, TempDir::Place::InMemory), db(jet::Database::open(copy.path())), tx(*db) {}
+    WritableCopy copy;
     std::unique_ptr<jet::Database> db;
     jet::Transaction tx;
 };
@@ -232,8 +189,8 @@ TEST(UsageMapWriter, AnInlineMapMovesItsWindowOrBecomesAReferenceMap) {
     EXPECT_EQ((std::vector<uint32_t>{3001, 40000}), read().pages());
     // Its usage-map pages were allocated like any page: marked used in the global map.
     auto global = jet::UsageMap::read(m.db->pager(), m.db->format(), 1u << 8);
-    for (uint32_t mapPage : read().mapPages())
-        if (mapPage) EXPECT_FALSE(global.contains(mapPage));
+    const jet::UsageMap map = read();
+    for (uint32_t mapPage : map.mapPages()) EXPECT_TRUE(mapPage == 0 || !global.contains(mapPage)) << mapPage;
 }
 
 class GlobalMap : public ::testing::TestWithParam<std::pair<const char*, uint32_t>> {};
@@ -244,7 +201,7 @@ INSTANTIATE_TEST_SUITE_P(Files, GlobalMap,
 
 TEST_P(GlobalMap, GrowsWithTheFileAndStaysExact) {
     auto [file, pages] = GetParam();
-    jet::testkit::WritableCopy copy(file, jet::testkit::TempDir::Place::InMemory);
+    WritableCopy copy(file, TempDir::Place::InMemory);
     auto db = jet::Database::open(copy.path());
     const uint32_t first = db->pager().pageCount();
     {
@@ -263,7 +220,7 @@ TEST_P(GlobalMap, GrowsWithTheFileAndStaysExact) {
     for (uint32_t p = first; p < db->pager().pageCount(); ++p) ASSERT_FALSE(global.contains(p)) << p;
     const uint32_t end = db->pager().pageCount();
     EXPECT_TRUE(global.kind() == jet::UsageMap::Kind::Reference || global.contains(end)) << "pages past the end are free";
-    if (pages > 15000) EXPECT_EQ(jet::UsageMap::Kind::Reference, global.kind());
+    EXPECT_TRUE(pages <= 15000 || global.kind() == jet::UsageMap::Kind::Reference);
 }
 
 }  // namespace

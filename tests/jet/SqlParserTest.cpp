@@ -1,3 +1,5 @@
+// The small SQL front end: the statements the program sends, every type word, names, and
+// the syntax errors the table engine relies on.
 #include <gtest/gtest.h>
 
 #include "jet/SqlParser.h"
@@ -16,31 +18,22 @@ int32_t errorOf(const char* text) {
     return 0;
 }
 
-TEST(SqlParser, StatementsTheProgramSends) {
-    auto create = std::get<CreateTable>(parse("CREATE TABLE Sales (__custom INTEGER);"));
-    EXPECT_EQ("Sales", create.table);
-    ASSERT_EQ(1u, create.columns.size());
-    EXPECT_EQ("__custom", create.columns[0].name);
+TEST(SqlParser, StatementsTheProgramSendsWithBareAndBracketedNames) {
+    const auto create = std::get<CreateTable>(parse("CREATE TABLE Sales (__custom INTEGER);"));
+    EXPECT_EQ(std::tie("Sales", "__custom"), std::tie(create.table, create.columns.at(0).name));
     EXPECT_EQ(ColumnType::Long, create.columns[0].type) << "INTEGER is Jet's 32-bit type";
-
-    auto add = std::get<AddColumn>(parse("ALTER TABLE Sales ADD Price VARCHAR (255)"));
-    EXPECT_EQ("Sales", add.table);
-    EXPECT_EQ("Price", add.column.name);
-    EXPECT_EQ(ColumnType::Text, add.column.type);
+    const auto add = std::get<AddColumn>(parse("alter table Sales add Price text"));
+    EXPECT_EQ(std::tie("Sales", "Price"), std::tie(add.table, add.column.name));
+    EXPECT_EQ(ColumnType::Text, add.column.type) << "a plain TEXT is a 255-character text column, not a memo";
     EXPECT_EQ(255, add.column.length);
-
-    EXPECT_EQ(ColumnType::Double, std::get<AddColumn>(parse("ALTER TABLE t ADD d DOUBLE")).column.type);
-    // A plain TEXT without size is a 255-character text column, not a memo.
-    auto text = std::get<AddColumn>(parse("alter table t add m text")).column;
-    EXPECT_EQ(ColumnType::Text, text.type);
-    EXPECT_EQ(255, text.length);
-
-    auto drop = std::get<DropColumn>(parse("ALTER TABLE t DROP Price"));
-    EXPECT_EQ("Price", drop.column);
-    auto rename = std::get<RenameColumn>(parse("ALTER TABLE t RENAME Old TO New"));
-    EXPECT_EQ("Old", rename.from);
-    EXPECT_EQ("New", rename.to);
+    EXPECT_EQ("Price", std::get<DropColumn>(parse("ALTER TABLE t DROP Price")).column);
+    const auto rename = std::get<RenameColumn>(parse("ALTER TABLE t RENAME Old TO New"));
+    EXPECT_EQ(std::tie("Old", "New"), std::tie(rename.from, rename.to));
     EXPECT_EQ("t", std::get<DropTable>(parse("DROP TABLE t;")).table);
+    // Names in other scripts are plain words; brackets allow blanks and reserved words.
+    EXPECT_EQ("Таблица", std::get<CreateTable>(parse("CREATE TABLE Таблица (Цена DOUBLE)")).table);
+    const auto st = std::get<CreateTable>(parse("create table [my table] ([select] text, b_2 long)"));
+    EXPECT_EQ(std::tie("my table", "select", "b_2"), std::tie(st.table, st.columns[0].name, st.columns[1].name));
 }
 
 TEST(SqlParser, TypeWordsAndSizes) {
@@ -78,16 +71,7 @@ TEST(SqlParser, TypeWordsAndSizes) {
     EXPECT_EQ(18, dec[1].precision);
 }
 
-TEST(SqlParser, NamesAreBareWordsOrBracketed) {
-    // Names in other scripts are plain words; brackets allow blanks and reserved words.
-    EXPECT_EQ("Таблица", std::get<CreateTable>(parse("CREATE TABLE Таблица (Цена DOUBLE)")).table);
-    auto st = std::get<CreateTable>(parse("create table [my table] ([select] text, b_2 long)"));
-    EXPECT_EQ("my table", st.table);
-    EXPECT_EQ("select", st.columns[0].name);
-    EXPECT_EQ("b_2", st.columns[1].name);
-}
-
-TEST(SqlParser, FailuresTheProgramReliesOn) {
+TEST(SqlParser, FailuresTheProgramReliesOnAndReservedWords) {
     // "table" and other reserved words, names with blanks, and anything but the five
     // statements are Jet's syntax error; the table engine renames "table" for this reason.
     const char* bad[] = {
@@ -124,14 +108,13 @@ TEST(SqlParser, FailuresTheProgramReliesOn) {
         "CREATE TABLE t (a TEXT(99999999999999))",
     };
     for (const char* sql : bad) EXPECT_EQ(err::SyntaxError, errorOf(sql)) << sql;
-}
 
-TEST(SqlParser, ReservedWordsAreCaseInsensitive) {
     EXPECT_TRUE(isReservedWord("table"));
     EXPECT_TRUE(isReservedWord("SeLeCt"));
     EXPECT_FALSE(isReservedWord("table0"));
     EXPECT_FALSE(isReservedWord("Name"));
     EXPECT_FALSE(isReservedWord("__custom"));
 }
+
 
 }  // namespace

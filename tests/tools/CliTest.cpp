@@ -1,14 +1,16 @@
-// sheetwright-cli as a user runs it: output, exit status, and one-line errors.
+// sheetwright-cli as a user runs it: output, exit status, one-line errors; and load, whose
+// rows go in all together or, on any bad row, not at all.
 #include <gtest/gtest.h>
 
 #include <sys/wait.h>
 
 #include <filesystem>
-#include <fstream>
-#include <sstream>
+
+#include "testkit/TestFiles.h"
 
 namespace {
 
+using namespace jet::testkit;
 namespace fs = std::filesystem;
 
 struct CliRun {
@@ -16,143 +18,134 @@ struct CliRun {
     std::string out, err;
 };
 
-std::string slurp(const fs::path& p) {
-    std::ifstream in(p, std::ios::binary);
-    std::stringstream s;
-    s << in.rdbuf();
-    return s.str();
-}
-
-CliRun cli(const std::string& args) {
-    fs::path dir = fs::temp_directory_path() / ("sw_cli_" + std::to_string(::getpid()));
-    fs::create_directories(dir);
-    std::string cmd = std::string(SHEETWRIGHT_BINARY_DIR) + "/tools/sheetwright-cli " + args + " >" +
-                      (dir / "out").string() + " 2>" + (dir / "err").string();
-    CliRun r;
-    int rc = std::system(cmd.c_str());
-    r.status = WIFEXITED(rc) ? WEXITSTATUS(rc) : -1;
-    r.out = slurp(dir / "out");
-    r.err = slurp(dir / "err");
-    fs::remove_all(dir);
-    return r;
-}
-
-std::string fixture(const std::string& name) { return "'" + std::string(SHEETWRIGHT_MDB_FIXTURES) + "/" + name + "'"; }
-
-size_t lines(const std::string& s) { return size_t(std::count(s.begin(), s.end(), '\n')); }
-
-TEST(Cli, TablesListsUserTablesInSchemaOrder) {
-    CliRun r = cli("tables " + fixture("testIndexCodesV1997.mdb"));
-    EXPECT_EQ(0, r.status);
-    EXPECT_EQ(29u, lines(r.out));
-    EXPECT_EQ(0u, r.out.find("Table1\nTable1_desc\nTable10\nTable10_desc\nTable11\n"));
-    EXPECT_TRUE(r.err.empty());
-    CliRun empty = cli("tables " + fixture("empty.mdb"));
-    EXPECT_EQ(0, empty.status);
-    EXPECT_EQ("", empty.out);
-}
-
-TEST(Cli, ExportKeepsOverflowRowsInTheirOriginalSlots) {
-    CliRun r = cli("export " + fixture("overflowTestV2000.mdb") + " table1 --format csv");
-    ASSERT_EQ(0, r.status) << r.err;
-    std::istringstream in(r.out);
-    std::string line, firstFields;
-    std::getline(in, line);
-    EXPECT_EQ("data1,data3,data4,data5,data6,data7,data8,data9,data10", line);
-    std::vector<std::string> rows;
-    while (std::getline(in, line)) rows.push_back(line);
-    ASSERT_EQ(7u, rows.size());
-    EXPECT_EQ(",\"row3col3\",,,,,,\"row3col9\",", rows[2]);
-    EXPECT_EQ(",\"row5col2\",,,,,,,", rows[4]);
-    EXPECT_EQ("\"row7col1\",,,,,\"row7col7\",,,", rows[6]);
-}
-
-TEST(Cli, ExportPrintsTheTruthWhereTheReferenceToolIsWrong) {
-    CliRun dates = cli("export " + fixture("testIndexCodesV1997.mdb") + " Table6 --format csv");
-    ASSERT_EQ(0, dates.status);
-    EXPECT_NE(std::string::npos, dates.out.find("\"row19\",\"1899-12-29 02:24:00\"\n"));
-    EXPECT_NE(std::string::npos, dates.out.find("\"row8\",\"1668-07-20 00:00:00\"\n"));
-    CliRun guids = cli("export " + fixture("testV2000.mdb") + " Table4 --format csv");
-    EXPECT_EQ("name,data\n", guids.out);
-    CliRun g = cli("export " + fixture("testIndexCodesV1997.mdb") + " Table13 --format csv");
-    EXPECT_NE(std::string::npos, g.out.find("\"row0\",\"{8E39276A-BCA8-4AC4-891E-49911D8438DD}\"\n"));
-}
-
-TEST(Cli, ErrorsAreOneLineOnStandardErrorWithAFailingStatus) {
-    CliRun table = cli("export " + fixture("testV1997.mdb") + " Missing --format csv");
-    EXPECT_EQ(1, table.status);
-    EXPECT_EQ(1u, lines(table.err));
-    EXPECT_NE(std::string::npos, table.err.find("'Missing'"));
-    EXPECT_NE(std::string::npos, table.err.find("-2147217865"));
-
-    CliRun file = cli("tables /nonexistent/file.mdb");
-    EXPECT_EQ(1, file.status);
-    EXPECT_EQ(1u, lines(file.err));
-    EXPECT_NE(std::string::npos, file.err.find("Could not find file"));
-
-    CliRun notDb = cli("tables " + fixture("MANIFEST.md"));
-    EXPECT_EQ(1, notDb.status);
-    EXPECT_NE(std::string::npos, notDb.err.find("Unrecognized database format"));
-
-    EXPECT_EQ(2, cli("export " + fixture("testV1997.mdb") + " Table1 --format xml").status);
-    EXPECT_EQ(2, cli("frobnicate").status);
-    EXPECT_EQ(2, cli("").status);
-}
-
-TEST(Cli, CheckExitsZeroOnlyWhenClean) {
-    CliRun ok = cli("check " + fixture("testV2000.mdb"));
-    EXPECT_EQ(0, ok.status) << ok.out;
-    EXPECT_NE(std::string::npos, ok.out.find("no problems"));
-
-    std::ifstream in(std::string(SHEETWRIGHT_MDB_FIXTURES) + "/delTestV2003.mdb", std::ios::binary);
-    std::vector<char> bytes((std::istreambuf_iterator<char>(in)), {});
-    bytes.resize(bytes.size() - 4096 * 10);  // whole pages gone from the end
-    fs::path cut = fs::temp_directory_path() / ("sw_cut_" + std::to_string(::getpid()) + ".mdb");
-    std::ofstream(cut, std::ios::binary).write(bytes.data(), std::streamsize(bytes.size()));
-    CliRun bad = cli("check '" + cut.string() + "'");
-    fs::remove(cut);
-    EXPECT_EQ(1, bad.status);
-    EXPECT_EQ(1u, lines(bad.err));
-    EXPECT_NE(std::string::npos, bad.out.find("beyond the end of the file")) << bad.out;
-}
-
-TEST(Cli, CreateAndSqlMakeADatabaseAndChangeItsTables) {
-    const fs::path dir = fs::temp_directory_path() / ("sw_cli_ddl_" + std::to_string(::getpid()));
-    fs::create_directories(dir);
-    for (const char* version : {"3", "4"}) {
-        const std::string file = "'" + (dir / (std::string("new") + version + ".mdb")).string() + "'";
-        CliRun made = cli("create " + file + " --version " + version);
-        ASSERT_EQ(0, made.status) << made.err;
-        EXPECT_EQ("", made.out);
-        EXPECT_EQ(version[0] == '3' ? 36864u : 65536u, fs::file_size(dir / (std::string("new") + version + ".mdb")));
-        EXPECT_EQ(0, cli("sql " + file + " 'CREATE TABLE Sales (__custom INTEGER);'").status);
-        EXPECT_EQ(0, cli("sql " + file + " 'alter table Sales add Price DOUBLE'").status);
-        EXPECT_EQ("Sales\n", cli("tables " + file).out);
-        EXPECT_EQ("__custom,Price\n", cli("export " + file + " Sales --format csv").out);
-
-        // A refused statement: its number and Jet's text on one line, status 1.
-        CliRun exists = cli("sql " + file + " 'CREATE TABLE sales (a TEXT)'");
-        EXPECT_EQ(1, exists.status);
-        EXPECT_EQ(1u, lines(exists.err));
-        EXPECT_NE(std::string::npos, exists.err.find("Table 'sales' already exists.")) << exists.err;
-        EXPECT_NE(std::string::npos, exists.err.find("-2147217900"));
-        CliRun syntax = cli("sql " + file + " 'CREATE TABLE my table (a TEXT)'");
-        EXPECT_EQ(1, syntax.status);
-        EXPECT_NE(std::string::npos, syntax.err.find("Syntax error in CREATE TABLE statement.")) << syntax.err;
-        CliRun missing = cli("sql " + file + " 'DROP TABLE Nowhere'");
-        EXPECT_NE(std::string::npos, missing.err.find("-2147217865")) << missing.err;
-        EXPECT_EQ(0, cli("sql " + file + " 'DROP TABLE Sales;'").status);
-        EXPECT_EQ("", cli("tables " + file).out);
-        EXPECT_EQ(0, cli("check " + file).status);
+class Cli : public ::testing::Test {
+protected:
+    CliRun cli(const std::string& args) {
+        const std::string cmd = std::string(SHEETWRIGHT_BINARY_DIR) + "/tools/sheetwright-cli " + args + " >" +
+                                dir.file("out") + " 2>" + dir.file("err");
+        const int rc = std::system(cmd.c_str());
+        return {WIFEXITED(rc) ? WEXITSTATUS(rc) : -1, readAll(dir.file("out")), readAll(dir.file("err"))};
     }
-    CliRun nowhere = cli("create '" + (dir / "no/such/folder.mdb").string() + "' --version 3");
-    EXPECT_EQ(1, nowhere.status);
-    EXPECT_NE(std::string::npos, nowhere.err.find("cannot be created")) << nowhere.err;
-    EXPECT_EQ(2, cli("create " + (dir / "x.mdb").string() + " --version 5").status);
-    EXPECT_EQ(2, cli("create " + (dir / "x.mdb").string()).status);
-    EXPECT_EQ(2, cli("sql " + (dir / "new3.mdb").string()).status);
-    EXPECT_FALSE(fs::exists(dir / "x.mdb"));
-    fs::remove_all(dir);
+    static std::string fixture(const std::string& name) { return "'" + fixturePath(name) + "'"; }
+    std::string file(const std::string& name, const std::string& text) {
+        writeAll(dir.file(name), text);
+        return "'" + dir.file(name) + "'";
+    }
+    // A one-line error on standard error with status 1, saying `what`.
+    void expectError(const CliRun& r, const std::string& what) {
+        EXPECT_EQ(1, r.status);
+        EXPECT_EQ(1, std::count(r.err.begin(), r.err.end(), '\n')) << r.err;
+        EXPECT_NE(std::string::npos, r.err.find(what)) << r.err;
+    }
+    TempDir dir;
+};
+
+TEST_F(Cli, TablesExportAndCheckPrintWhatTheFileHolds) {
+    const CliRun tables = cli("tables " + fixture("testIndexCodesV1997.mdb"));
+    EXPECT_EQ(0, tables.status);
+    EXPECT_EQ(0u, tables.out.find("Table1\nTable1_desc\nTable10\nTable10_desc\nTable11\n")) << "in the schema's order";
+    EXPECT_EQ(29, std::count(tables.out.begin(), tables.out.end(), '\n'));
+    EXPECT_EQ("", cli("tables " + fixture("empty.mdb")).out);
+    // Moved rows keep their original slots: the order of the rows as they were written.
+    EXPECT_EQ("data1,data3,data4,data5,data6,data7,data8,data9,data10\n\"row1col1\",,,,,,,,\n"
+              "\"row2col1\",\"row2col3\",,,,,,,\n,\"row3col3\",,,,,,\"row3col9\",\n\"row4col1\",\"row4col2\",,,,,,,\n"
+              ",\"row5col2\",,,,,,,\n,\"row6col2\",\"row6col3\",,,,,,\n\"row7col1\",,,,,\"row7col7\",,,\n",
+              cli("export " + fixture("overflowTestV2000.mdb") + " table1 --format csv").out);
+    // The truth where the reference tool is wrong: early dates and whole Replication IDs.
+    const std::string dates = cli("export " + fixture("testIndexCodesV1997.mdb") + " Table6 --format csv").out;
+    EXPECT_NE(std::string::npos, dates.find("\"row19\",\"1899-12-29 02:24:00\"\n"));
+    EXPECT_NE(std::string::npos, dates.find("\"row8\",\"1668-07-20 00:00:00\"\n"));
+    EXPECT_NE(std::string::npos, cli("export " + fixture("testIndexCodesV1997.mdb") + " Table13 --format csv")
+                                     .out.find("\"row0\",\"{8E39276A-BCA8-4AC4-891E-49911D8438DD}\"\n"));
+    const CliRun clean = cli("check " + fixture("testV2000.mdb"));
+    EXPECT_EQ(0, clean.status);
+    EXPECT_NE(std::string::npos, clean.out.find("no problems"));
+    const std::string bytes = readAll(fixturePath("delTestV2003.mdb"));
+    const CliRun cut = cli("check " + file("cut.mdb", bytes.substr(0, bytes.size() - 4096 * 10)));
+    expectError(cut, "problems");
+    EXPECT_NE(std::string::npos, cut.out.find("beyond the end of the file")) << cut.out;
+}
+
+TEST_F(Cli, ErrorsAreOneLineOnStandardErrorWithAFailingStatus) {
+    const CliRun missing = cli("export " + fixture("testV1997.mdb") + " Missing --format csv");
+    expectError(missing, "'Missing'");
+    EXPECT_NE(std::string::npos, missing.err.find("-2147217865"));
+    expectError(cli("tables /nonexistent/file.mdb"), "Could not find file");
+    expectError(cli("tables " + fixture("MANIFEST.md")), "Unrecognized database format");
+    for (const char* usage : {"export x Table1 --format xml", "frobnicate", "", "create x.mdb --version 5", "create x.mdb",
+                              "sql x.mdb", "load x.mdb Table1"})
+        EXPECT_EQ(2, cli(usage).status) << usage;
+    EXPECT_FALSE(fs::exists("x.mdb"));
+}
+
+TEST_F(Cli, CreateAndSqlMakeADatabaseAndChangeItsTables) {
+    for (const char* version : {"3", "4"}) {
+        const std::string db = "'" + dir.file(std::string("new") + version + ".mdb") + "'";
+        const CliRun made = cli("create " + db + " --version " + version);
+        ASSERT_EQ(0, made.status) << made.err;
+        EXPECT_EQ(version[0] == '3' ? 36864u : 65536u, fs::file_size(dir.file(std::string("new") + version + ".mdb")));
+        EXPECT_EQ(0, cli("sql " + db + " 'CREATE TABLE Sales (__custom INTEGER);'").status);
+        EXPECT_EQ(0, cli("sql " + db + " 'alter table Sales add Price DOUBLE'").status);
+        EXPECT_EQ("Sales\n", cli("tables " + db).out);
+        EXPECT_EQ("__custom,Price\n", cli("export " + db + " Sales --format csv").out);
+        const CliRun exists = cli("sql " + db + " 'CREATE TABLE sales (a TEXT)'");
+        expectError(exists, "Table 'sales' already exists.");
+        EXPECT_NE(std::string::npos, exists.err.find("-2147217900"));
+        expectError(cli("sql " + db + " 'CREATE TABLE my table (a TEXT)'"), "Syntax error in CREATE TABLE statement.");
+        expectError(cli("sql " + db + " 'DROP TABLE Nowhere'"), "-2147217865");
+        EXPECT_EQ(0, cli("sql " + db + " 'DROP TABLE Sales;'").status);
+        EXPECT_EQ("", cli("tables " + db).out);
+        EXPECT_EQ(0, cli("check " + db).status);
+    }
+    expectError(cli("create '" + dir.file("no/such/folder.mdb") + "' --version 3"), "cannot be created");
+}
+
+TEST_F(Cli, LoadTakesWhatTheExportPrintsInAnyColumnOrder) {
+    WritableCopy copy("testV2000.mdb");
+    const std::string db = "'" + copy.path() + "'";
+    const CliRun r = cli("load " + db + " Table1 " + file("in.csv", "I,H,a,G,C,B\r\n"
+                                                                   "1,12.5000,\"x, \"\"quoted\"\"\",\"1974-09-21 10:20:30\",7,\r\n"
+                                                                   "0,,\"two\nlines\",,255,\"\"\r\n"));
+    ASSERT_EQ(0, r.status) << r.err;
+    EXPECT_EQ("2 rows loaded into Table1\n", r.out);
+    const std::string exported = cli("export " + db + " Table1 --format csv").out;
+    EXPECT_NE(std::string::npos, exported.find("\"x, \"\"quoted\"\"\",,7,,,,\"1974-09-21 10:20:30\",12.5000,1\n")) << exported;
+    EXPECT_NE(std::string::npos, exported.find("\"two\nlines\",\"\",255,,,,,,0\n")) << "Null and \"\" stay apart";
+    // A table exported, loaded into its empty twin and exported again reads the same; so
+    // does a row of memo and hex OLE data loaded again under new keys.
+    WritableCopy properties("testIndexPropertiesV2003.mdb");
+    const std::string p = "'" + properties.path() + "'";
+    const std::string original = cli("export " + p + " TableIgnoreNulls2 --format csv").out;
+    ASSERT_EQ(0, cli("load " + p + " TableIgnoreNulls2_temp " + file("twin.csv", original)).status);
+    EXPECT_EQ(original, cli("export " + p + " TableIgnoreNulls2_temp --format csv").out);
+    for (const char* name : {"test2V1997.mdb", "test2V2003.mdb"}) {
+        WritableCopy projects(name);
+        const std::string q = "'" + projects.path() + "'";
+        const std::string before = cli("export " + q + " MSP_PROJECTS --format csv").out;
+        const size_t header = before.find('\n') + 1;
+        std::string again = before.substr(header);  // PROJ_ID and PROJ_NAME come first and are unique
+        again.replace(0, again.find(",\"", again.find(',') + 1), "4242,\"loaded again\"");
+        ASSERT_EQ(0, cli("load " + q + " MSP_PROJECTS " + file("again.csv", before.substr(0, header) + again)).status);
+        EXPECT_EQ(before + again, cli("export " + q + " MSP_PROJECTS --format csv").out);
+        EXPECT_EQ(0, cli("check " + q).status);
+    }
+}
+
+TEST_F(Cli, ABadRowAnywhereLeavesTheFileAsItWas) {
+    WritableCopy copy("testIndexPropertiesV2003.mdb");
+    const std::string original = readAll(copy.path());
+    const std::tuple<const char*, const char*, const char*> cases[] = {
+        {"TableUnique1_temp", "row,data\n\"n1\",\"d1\"\n\"n2\",\"stuff\"\n", "-2147217873"},  // duplicate unique key
+        {"TableUnique1_temp", "row,data\n\"n1\",\"d1\"\n\"n1\",\"d2\"\n", "-2147217873"},     // clash inside the file
+        {"TableIgnoreNulls2", "row,data2\n\"n1\",5\n\"n2\",\"five\"\n", "line 3"},             // not a number
+        {"TableIgnoreNulls2", "row,nothere\n\"n1\",5\n", "3265"},                               // unknown column
+        {"TableIgnoreNulls2", "row,data1\n\"n1\",\"xxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxx\"\n", "line 2"},
+        {"TableIgnoreNulls2", "row,data1\n\"n1\",\"open\n", "never closed"},
+    };
+    for (const auto& [table, csv, error] : cases) {
+        expectError(cli("load '" + copy.path() + "' " + table + " " + file("bad.csv", csv)), error);
+        EXPECT_EQ(original, readAll(copy.path())) << csv;
+    }
 }
 
 }  // namespace

@@ -1,54 +1,68 @@
 #include "CrashLoop.h"
 
-#include <cerrno>
-#include <cstdio>
-#include <cstring>
-#include <exception>
-#include <poll.h>
-#include <random>
 #include <signal.h>
 #include <sys/wait.h>
 #include <unistd.h>
+
+#include <cstdio>
+#include <cstring>
+#include <exception>
+#include <random>
+#include <thread>
 
 namespace jet::testkit {
 
 namespace {
 
-// Commit reports travel as 8-byte numbers, which a pipe delivers whole.
-void report(int fd, uint64_t transaction) {
-    const char* p = reinterpret_cast<const char*>(&transaction);
-    size_t left = sizeof transaction;
-    while (left > 0) {
-        ssize_t n = ::write(fd, p, left);
-        if (n < 0 && errno == EINTR) continue;
-        if (n <= 0) ::_exit(4);
-        p += n;
-        left -= size_t(n);
+class PacedFile final : public File {
+public:
+    PacedFile(std::unique_ptr<File> base, std::chrono::microseconds pause) : base_(std::move(base)), pause_(pause) {}
+    size_t readAt(uint64_t offset, std::span<uint8_t> out) override { return base_->readAt(offset, out); }
+    void writeAt(uint64_t offset, std::span<const uint8_t> data) override {
+        base_->writeAt(offset, data);
+        std::this_thread::sleep_for(pause_);
     }
-}
+    void sync() override { base_->sync(); }
+    uint64_t size() override { return base_->size(); }
+    void truncate(uint64_t size) override { base_->truncate(size); }
+    bool tryLockShared() override { return base_->tryLockShared(); }
+    bool tryLockExclusive() override { return base_->tryLockExclusive(); }
+    void unlock() override { base_->unlock(); }
 
-[[noreturn]] void runChild(CrashWorkload& workload, const std::string& path, uint64_t next, int reportFd) {
+private:
+    std::unique_ptr<File> base_;
+    std::chrono::microseconds pause_;
+};
+
+class PacedEnv final : public Env {
+public:
+    explicit PacedEnv(std::chrono::microseconds pause) : pause_(pause) {}
+    std::unique_ptr<File> open(const std::string& path, OpenMode mode) override {
+        return std::make_unique<PacedFile>(posix().open(path, mode), pause_);
+    }
+    bool exists(const std::string& path) override { return posix().exists(path); }
+    void remove(const std::string& path) override { posix().remove(path); }
+    void syncDirectory(const std::string& dirPath) override { posix().syncDirectory(dirPath); }
+    bool writable(const std::string& path) override { return posix().writable(path); }
+
+private:
+    std::chrono::microseconds pause_;
+};
+
+// Commit reports travel as 8-byte numbers, which a pipe delivers whole; the child is
+// killed long before it could fill the pipe.
+[[noreturn]] void runChild(CrashWorkload& workload, const std::string& path, uint64_t next, int reportFd,
+                           std::chrono::microseconds pause) {
     try {
-        workload.runTransactions(path, next, [reportFd](uint64_t k) { report(reportFd, k); });
+        PacedEnv env(pause);
+        workload.runTransactions(env, path, next, [reportFd](uint64_t k) {
+            if (::write(reportFd, &k, sizeof k) != sizeof k) ::_exit(4);
+        });
         std::fprintf(stderr, "crash child: the workload ended before it was killed\n");
     } catch (const std::exception& e) {
         std::fprintf(stderr, "crash child: %s\n", e.what());
     }
-    // _exit: the parent's atexit handlers and buffers are not the child's to run.
-    ::_exit(3);
-}
-
-// Reads what is in the pipe now (or, with a timeout, what arrives until then).
-bool drain(int fd, std::vector<uint8_t>& into, int timeoutMs) {
-    pollfd pfd{fd, POLLIN, 0};
-    int ready = ::poll(&pfd, 1, timeoutMs);
-    if (ready <= 0) return true;
-    uint8_t buf[4096];
-    ssize_t n = ::read(fd, buf, sizeof buf);
-    if (n < 0) return errno == EINTR;
-    if (n == 0) return false;  // the child is gone and everything is read
-    into.insert(into.end(), buf, buf + n);
-    return true;
+    ::_exit(3);  // not exit(): the parent's atexit handlers and buffers are not the child's
 }
 
 }  // namespace
@@ -63,80 +77,51 @@ CrashLoopResult runCrashLoop(CrashWorkload& workload, const std::string& path, c
         result.failures.push_back(std::string("the database is not in a known state before the first kill: ") + e.what());
         return result;
     }
-
-    for (int i = 0; i < options.kills; ++i) {
+    for (int i = 1; i <= options.kills; ++i) {
+        const std::string kill = "kill " + std::to_string(i);
         int fds[2];
         if (::pipe(fds) != 0) {
-            result.failures.push_back(std::string("pipe: ") + std::strerror(errno));
+            result.failures.push_back(kill + ": pipe: " + std::strerror(errno));
             break;
         }
         std::fflush(nullptr);
         const pid_t pid = ::fork();
-        if (pid < 0) {
-            result.failures.push_back(std::string("fork: ") + std::strerror(errno));
-            ::close(fds[0]);
-            ::close(fds[1]);
-            break;
-        }
         if (pid == 0) {
             ::close(fds[0]);
-            runChild(workload, path, next, fds[1]);
+            runChild(workload, path, next, fds[1], options.writePause);
         }
         ::close(fds[1]);
-
-        const auto lifetime = std::chrono::microseconds(
-            std::uniform_int_distribution<int64_t>(0, options.maxLifetime.count())(rng));
-        const auto deadline = std::chrono::steady_clock::now() + lifetime;
-        std::vector<uint8_t> reports;
-        bool open = true;
-        while (open) {
-            const auto left = std::chrono::duration_cast<std::chrono::milliseconds>(
-                deadline - std::chrono::steady_clock::now());
-            if (left.count() <= 0) break;
-            open = drain(fds[0], reports, int(left.count()));
-        }
-        ::kill(pid, SIGKILL);
+        std::this_thread::sleep_for(std::chrono::microseconds(
+            std::uniform_int_distribution<int64_t>(0, options.maxLifetime.count())(rng)));
         int status = 0;
-        while (::waitpid(pid, &status, 0) < 0 && errno == EINTR) {
+        if (pid > 0) {
+            ::kill(pid, SIGKILL);
+            while (::waitpid(pid, &status, 0) < 0 && errno == EINTR) {
+            }
         }
-        // The write end died with the child: read to the end.
-        while (drain(fds[0], reports, -1)) {
-        }
+        uint64_t lastReported = next - 1, k;
+        while (::read(fds[0], &k, sizeof k) == sizeof k) lastReported = k;
         ::close(fds[0]);
-
-        if (!(WIFSIGNALED(status) && WTERMSIG(status) == SIGKILL)) {
-            result.failures.push_back("kill " + std::to_string(i + 1) + ": the child stopped by itself (status " +
+        if (pid < 0 || !(WIFSIGNALED(status) && WTERMSIG(status) == SIGKILL)) {
+            result.failures.push_back(kill + ": the child did not run until it was killed (status " +
                                       std::to_string(status) + ")");
             break;
         }
-        uint64_t lastReported = next - 1;
-        for (size_t at = 0; at + 8 <= reports.size(); at += 8) {
-            uint64_t k;
-            std::memcpy(&k, reports.data() + at, 8);
-            if (k != lastReported + 1) {
-                result.failures.push_back("kill " + std::to_string(i + 1) + ": the child reported transaction " +
-                                          std::to_string(k) + " after " + std::to_string(lastReported));
-                return result;
-            }
-            lastReported = k;
-        }
-
         CommittedState state;
         try {
             state = workload.committedState(path);
         } catch (const std::exception& e) {
-            result.failures.push_back("kill " + std::to_string(i + 1) + " (child had reported transaction " +
-                                      std::to_string(lastReported) + "): " + e.what());
+            result.failures.push_back(kill + " (child had reported transaction " + std::to_string(lastReported) +
+                                      "): " + e.what());
             break;
         }
         ++result.kills;
-        if (state.rolledBack) ++result.rolledBack;
+        result.rolledBack += state.rolledBack;
         if (state.transaction == lastReported + 1) {
             ++result.committedUnreported;
         } else if (state.transaction != lastReported) {
-            result.failures.push_back("kill " + std::to_string(i + 1) + ": the file holds transaction " +
-                                      std::to_string(state.transaction) + " but the child had reported " +
-                                      std::to_string(lastReported));
+            result.failures.push_back(kill + ": the file holds transaction " + std::to_string(state.transaction) +
+                                      " but the child had reported " + std::to_string(lastReported));
             break;
         }
         next = state.transaction + 1;

@@ -7,14 +7,16 @@
 // next child goes on from there.
 //
 // A workload decides what a transaction does and how a state is recognised; the loop
-// knows nothing about pages or rows, so the same loop drives raw page writes and, later,
-// row inserts checked by the integrity checker.
+// knows nothing about pages or rows, so the same loop drives raw page writes and row
+// changes checked by the integrity checker.
 
 #include <chrono>
 #include <cstdint>
 #include <functional>
 #include <string>
 #include <vector>
+
+#include "jet/Env.h"
 
 namespace jet::testkit {
 
@@ -26,9 +28,10 @@ struct CommittedState {
 class CrashWorkload {
 public:
     virtual ~CrashWorkload() = default;
-    // In the child: opens the database and commits transactions next, next + 1, ... until
-    // it is killed, calling committed(k) right after commit of transaction k returned.
-    virtual void runTransactions(const std::string& path, uint64_t next,
+    // In the child: opens the database through `env` and commits transactions next,
+    // next + 1, ... until it is killed, calling committed(k) right after commit of
+    // transaction k returned.
+    virtual void runTransactions(Env& env, const std::string& path, uint64_t next,
                                  const std::function<void(uint64_t)>& committed) = 0;
     // In the parent after each kill: opens the database, checks it completely and tells
     // which transaction's state it holds. Throws (any std::exception) when it holds the
@@ -41,6 +44,9 @@ struct CrashLoopOptions {
     uint32_t seed = 1;
     // Each child lives for a random time up to this long before it is killed.
     std::chrono::microseconds maxLifetime{20000};
+    // The child pauses after every write, so that a kill often lands between two page
+    // writes of a commit instead of almost always inside a sync, which takes far longer.
+    std::chrono::microseconds writePause{0};
 };
 
 struct CrashLoopResult {

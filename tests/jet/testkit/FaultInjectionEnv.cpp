@@ -7,21 +7,7 @@
 namespace jet::testkit {
 
 namespace {
-
 constexpr uint64_t sectorSize = 512;
-
-const char* verbOf(FaultInjectionEnv::OpKind kind) {
-    switch (kind) {
-    case FaultInjectionEnv::OpKind::Create: return "Cannot create";
-    case FaultInjectionEnv::OpKind::Write: return "Cannot write";
-    case FaultInjectionEnv::OpKind::Truncate: return "Cannot resize";
-    case FaultInjectionEnv::OpKind::Sync: return "Cannot flush";
-    case FaultInjectionEnv::OpKind::Remove: return "Cannot delete";
-    case FaultInjectionEnv::OpKind::SyncDirectory: return "Cannot flush folder";
-    }
-    return "Cannot change";
-}
-
 }  // namespace
 
 class FaultInjectionEnv::FaultFile final : public File {
@@ -91,15 +77,11 @@ void FaultInjectionEnv::perform(const Op& op, const std::function<void()>& effec
 }
 
 void FaultInjectionEnv::raise(Fault fault, OpKind kind, const std::string& path) {
-    std::string cause;
-    switch (fault) {
-    case Fault::IoError:
-    case Fault::LateError:
-    case Fault::ShortWrite: cause = "Input/output error"; break;
-    case Fault::DiskFull: cause = "No space left on device"; break;
-    case Fault::PowerLoss: cause = "the machine lost power"; break;
-    }
-    throw IoError(std::string(verbOf(kind)) + " '" + path + "': " + cause + " (injected)");
+    static const char* const verbs[] = {"create", "write", "resize", "flush", "delete", "flush folder"};
+    const char* cause = fault == Fault::DiskFull    ? "No space left on device"
+                        : fault == Fault::PowerLoss ? "the machine lost power"
+                                                    : "Input/output error";
+    throw IoError(std::string("Cannot ") + verbs[int(kind)] + " '" + path + "': " + cause + " (injected)");
 }
 
 FaultInjectionEnv::Unsynced& FaultInjectionEnv::unsynced(const std::string& path, File& base) {

@@ -22,8 +22,8 @@ uint64_t splitmix(uint64_t& state) {
 
 }  // namespace
 
-PageWorkload::PageWorkload(uint32_t initialPages, uint32_t maxTouched, uint32_t maxPages, Env& env)
-    : env_(env), initialPages_(initialPages), maxTouched_(maxTouched), maxPages_(maxPages),
+PageWorkload::PageWorkload(uint32_t initialPages, uint32_t maxTouched, uint32_t maxPages)
+    : initialPages_(initialPages), maxTouched_(maxTouched), maxPages_(maxPages),
       lastWriter_(initialPages, 0) {}
 
 uint32_t PageWorkload::probe(std::span<const uint8_t> head) {
@@ -34,7 +34,7 @@ uint32_t PageWorkload::probe(std::span<const uint8_t> head) {
 
 // Page 0: magic, page size, k, then the pattern; other pages: k, page number, zeros to
 // byte 16, the pattern.
-void PageWorkload::fill(uint8_t* page, uint64_t k, uint32_t n) const {
+void PageWorkload::fill(uint8_t* page, uint64_t k, uint32_t n) {
     std::memset(page, 0, 16);
     if (n == 0) {
         std::memcpy(page, magic, sizeof magic);
@@ -47,6 +47,12 @@ void PageWorkload::fill(uint8_t* page, uint64_t k, uint32_t n) const {
     uint64_t state = k * 0xD1B54A32D192ED03ull ^ (uint64_t(n) << 32 | n);
     static_assert(pageSize % 8 == 0);
     for (size_t at = 16; at < pageSize; at += 8) putLe64(page + at, splitmix(state));
+}
+
+std::string PageWorkload::page(uint64_t k, uint32_t n) {
+    std::string bytes(pageSize, '\0');
+    fill(reinterpret_cast<uint8_t*>(bytes.data()), k, n);
+    return bytes;
 }
 
 PageWorkload::Plan PageWorkload::plan(uint64_t k, uint32_t pageCount) const {
@@ -129,9 +135,9 @@ uint64_t PageWorkload::check(Pager& pager) {
     return k;
 }
 
-void PageWorkload::runTransactions(const std::string& path, uint64_t next,
+void PageWorkload::runTransactions(Env& env, const std::string& path, uint64_t next,
                                    const std::function<void(uint64_t)>& committed) {
-    auto pager = Pager::open(env_, path, OpenMode::ReadWrite, probe);
+    auto pager = open(env, path);
     if (pager->readOnly()) throw std::runtime_error("'" + path + "' " + pager->readOnlyReason());
     // Bounded, so that a child the parent forgot cannot run forever.
     for (uint64_t k = next; k < next + 1000000; ++k) {
@@ -143,7 +149,7 @@ void PageWorkload::runTransactions(const std::string& path, uint64_t next,
 CommittedState PageWorkload::committedState(const std::string& path) {
     // Alternate the modes: a reader must roll back a hot journal just as a writer does.
     const OpenMode mode = ++opens_ % 2 ? OpenMode::ReadWrite : OpenMode::ReadOnly;
-    auto pager = Pager::open(env_, path, mode, probe);
+    auto pager = open(Env::posix(), path, mode);
     CommittedState state;
     state.transaction = check(*pager);
     state.rolledBack = pager->recovery().outcome == JournalRecovery::Outcome::RolledBack;

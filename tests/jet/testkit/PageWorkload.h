@@ -8,6 +8,7 @@
 // trace.
 
 #include <cstdint>
+#include <memory>
 #include <span>
 #include <string>
 #include <vector>
@@ -22,12 +23,16 @@ public:
     static constexpr uint32_t pageSize = 2048;
 
     // Each transaction rewrites between maxTouched / 2 and maxTouched pages besides page 0;
-    // the file does not grow beyond maxPages. The crash-loop side works through env.
-    explicit PageWorkload(uint32_t initialPages = 16, uint32_t maxTouched = 10, uint32_t maxPages = 160,
-                          Env& env = Env::posix());
+    // the file does not grow beyond maxPages.
+    explicit PageWorkload(uint32_t initialPages = 16, uint32_t maxTouched = 10, uint32_t maxPages = 160);
 
     // The page size of a file this workload made, or an error when it is not one.
     static uint32_t probe(std::span<const uint8_t> head);
+    static std::unique_ptr<Pager> open(Env& env, const std::string& path, OpenMode mode = OpenMode::ReadWrite) {
+        return Pager::open(env, path, mode, probe);
+    }
+    // What transaction k writes to page n (k = 0: the pages of a new file).
+    static std::string page(uint64_t k, uint32_t n);
 
     // Creates the database in the state after transaction k (0: before the first one).
     void create(Env& env, const std::string& path, uint64_t k = 0) const;
@@ -39,7 +44,7 @@ public:
     // difference when it shows none.
     uint64_t check(Pager& pager);
 
-    void runTransactions(const std::string& path, uint64_t next,
+    void runTransactions(Env& env, const std::string& path, uint64_t next,
                          const std::function<void(uint64_t)>& committed) override;
     CommittedState committedState(const std::string& path) override;
 
@@ -49,10 +54,9 @@ private:
         uint32_t appended = 0;
     };
     Plan plan(uint64_t k, uint32_t pageCount) const;
-    void fill(uint8_t* page, uint64_t k, uint32_t n) const;
+    static void fill(uint8_t* page, uint64_t k, uint32_t n);
     void advanceModelTo(uint64_t k);
 
-    Env& env_;
     uint32_t initialPages_;
     uint32_t maxTouched_;
     uint32_t maxPages_;

@@ -80,8 +80,9 @@ std::map<int32_t, std::string> RowWorkload::rowsOf(Database& db) {
     return rows;
 }
 
-void RowWorkload::runTransactions(const std::string& path, uint64_t next, const std::function<void(uint64_t)>& committed) {
-    auto db = Database::open(path, env_);
+void RowWorkload::runTransactions(Env& env, const std::string& path, uint64_t next,
+                                  const std::function<void(uint64_t)>& committed) {
+    auto db = Database::open(path, env);
     for (uint64_t k = next;; ++k) {
         transaction(*db, k);
         committed(k);

@@ -21,10 +21,8 @@ namespace jet::testkit {
 
 class RowWorkload final : public CrashWorkload {
 public:
-    // `file` is a fixture with the table MSP_PROJECTS (test2V1997.mdb or test2V2003.mdb);
-    // `env` is what the child writes through.
-    explicit RowWorkload(Env& env = Env::posix()) : env_(env) {}
-
+    // The database is a copy of a fixture with the table MSP_PROJECTS (test2V1997.mdb or
+    // test2V2003.mdb).
     // The rows the workload owns (id -> memo) after `transactions` transactions.
     static std::map<int32_t, std::string> expected(uint64_t transactions);
     // The rows the database holds, after checking it; throws when it does not check clean.
@@ -32,11 +30,9 @@ public:
     // Runs transaction k on an open database.
     static void transaction(Database& db, uint64_t k);
 
-    void runTransactions(const std::string& path, uint64_t next, const std::function<void(uint64_t)>& committed) override;
+    void runTransactions(Env& env, const std::string& path, uint64_t next,
+                         const std::function<void(uint64_t)>& committed) override;
     CommittedState committedState(const std::string& path) override;
-
-private:
-    Env& env_;
 };
 
 }  // namespace jet::testkit

@@ -10,6 +10,7 @@
 #include "jet/Database.h"
 #include "jet/Header.h"
 #include "jet/Recordset.h"
+#include "testkit/Session.h"
 #include "testkit/TestFiles.h"
 
 namespace {
@@ -24,15 +25,6 @@ std::string jet351(const std::string& file) {
     return "Provider=microsoft.jet.OLEDB.3.51;Data Source=" + fixturePath(file) + ";User ID=;Password=;";
 }
 
-int errorOf(const std::function<void()>& f) {
-    try {
-        f();
-    } catch (const jet::RuntimeError& e) {
-        return e.number();
-    }
-    return 0;
-}
-
 TEST(Connection, ProvidersStatesPasswordsAndTheirErrors) {
     auto s = jet::ConnectionSettings::parse(
         " provider = Microsoft.Jet.OLEDB.4.0 ;DATA SOURCE=\"C:\\a;b.mdb\";user id=Admin;PASSWORD='it''s'");
@@ -41,18 +33,18 @@ TEST(Connection, ProvidersStatesPasswordsAndTheirErrors) {
     EXPECT_EQ("db", jet::ConnectionSettings::parse("Password=user;Jet OLEDB:Database Password=db").password);
 
     Connection cn;
-    EXPECT_EQ(jet::err::Unspecified, errorOf([&] { cn.Open(jet351("testV2000.mdb")); })) << "the old provider: Jet 3 only";
+    EXPECT_EQ(jet::err::Unspecified, errorNumberOf([&] { cn.Open(jet351("testV2000.mdb")); })) << "the old provider: Jet 3 only";
     EXPECT_EQ(0, cn.State());
     cn.Open(jet4("testV2000.mdb"));
     EXPECT_EQ(1, cn.State());
     cn.Close();
     cn.setConnectionString(jet351("testV1997.mdb"));
     cn.Open("", "someone", "anything", -1);  // no password set: user and password are ignored
-    EXPECT_EQ(3705, errorOf([&] { cn.Open(jet4("testV1997.mdb")); })) << "already open";
+    EXPECT_EQ(3705, errorNumberOf([&] { cn.Open(jet4("testV1997.mdb")); })) << "already open";
     cn.Close();
-    EXPECT_EQ(3704, errorOf([&] { cn.Close(); }));
-    EXPECT_EQ(jet::err::Unspecified, errorOf([&] { cn.Open("PROVIDER=MICROSOFT.JET.OLEDB.4.0;data source=/no/such.mdb"); }));
-    EXPECT_EQ(3706, errorOf([&] { cn.Open("Provider=SQLOLEDB;Data Source=x"); }));
+    EXPECT_EQ(3704, errorNumberOf([&] { cn.Close(); }));
+    EXPECT_EQ(jet::err::Unspecified, errorNumberOf([&] { cn.Open("PROVIDER=MICROSOFT.JET.OLEDB.4.0;data source=/no/such.mdb"); }));
+    EXPECT_EQ(3706, errorNumberOf([&] { cn.Open("Provider=SQLOLEDB;Data Source=x"); }));
 
     TempDir dir;
     auto bytes = readBytes(fixturePath("testV1997.mdb"));
@@ -61,8 +53,8 @@ TEST(Connection, ProvidersStatesPasswordsAndTheirErrors) {
     jet::Header::applyMask(jet::Version::Jet3, bytes.data());
     writeAll(dir.file("p.mdb"), std::string(bytes.begin(), bytes.end()));
     const std::string base = "Provider=microsoft.jet.OLEDB.3.51;Data Source=" + dir.file("p.mdb") + ";Password=";
-    EXPECT_EQ(jet::err::WrongPassword, errorOf([&] { cn.Open(base + "geheim;"); }));
-    EXPECT_EQ(jet::err::WrongPassword, errorOf([&] { cn.Open(base + ";"); }));
+    EXPECT_EQ(jet::err::WrongPassword, errorNumberOf([&] { cn.Open(base + "geheim;"); }));
+    EXPECT_EQ(jet::err::WrongPassword, errorNumberOf([&] { cn.Open(base + ";"); }));
     cn.Open(base + "Geheim;");
     EXPECT_EQ(1, cn.State());
 }
@@ -79,7 +71,7 @@ TEST(Connection, TablesSchemaListsTablesByTypeAndName) {
     EXPECT_EQ("TABLE", types["Table"]);
     EXPECT_EQ(1, cn.OpenSchema(20, {Variant(), Variant(), Variant::string("TABLE"), Variant()})->RecordCount())
         << "a name restriction, without case";
-    EXPECT_EQ(3251, errorOf([&] { cn.OpenSchema(4); }));
+    EXPECT_EQ(3251, errorNumberOf([&] { cn.OpenSchema(4); }));
 }
 
 TEST(Recordset, MovesLikeAdoIncludingItsErrorsAtTheEnds) {
@@ -92,8 +84,8 @@ TEST(Recordset, MovesLikeAdoIncludingItsErrorsAtTheEnds) {
     EXPECT_EQ(1, rs.AbsolutePosition());
     rs.Move(-1);
     EXPECT_TRUE(rs.Bof());
-    EXPECT_EQ(3021, errorOf([&] { rs.Fields()[0].Value(); }));
-    EXPECT_EQ(3021, errorOf([&] { rs.Move(-1); }));
+    EXPECT_EQ(3021, errorNumberOf([&] { rs.Fields()[0].Value(); }));
+    EXPECT_EQ(3021, errorNumberOf([&] { rs.Move(-1); }));
     rs.MoveNext();
     rs.Move(1);
     EXPECT_EQ(2, rs.AbsolutePosition());
@@ -112,24 +104,24 @@ TEST(Recordset, MovesLikeAdoIncludingItsErrorsAtTheEnds) {
     rs.MoveLast();
     EXPECT_EQ(2, rs.AbsolutePosition());
     rs.Close();
-    EXPECT_EQ(3704, errorOf([&] { rs.MoveFirst(); }));
+    EXPECT_EQ(3704, errorNumberOf([&] { rs.MoveFirst(); }));
     rs.Open();
     EXPECT_EQ(1, rs.State()) << "re-opened with the previous source";
 
     Recordset empty;
     empty.Open("SELECT * FROM Table3", cn);
     EXPECT_TRUE(empty.Eof() && empty.Bof());
-    EXPECT_EQ(3021, errorOf([&] { empty.MoveFirst(); }));
+    EXPECT_EQ(3021, errorNumberOf([&] { empty.MoveFirst(); }));
     EXPECT_EQ(2, empty.Fields().Count());
 
     Recordset other;
-    EXPECT_EQ(jet::err::NoSuchTable, errorOf([&] { other.Open("SELECT * FROM Nope", cn); }));
-    EXPECT_EQ(jet::err::SyntaxError, errorOf([&] { other.Open("SELECT A FROM Table1", cn); }));
-    EXPECT_EQ(jet::err::SyntaxError, errorOf([&] { other.Open("SELECT * FROM Table1 WHERE 1", cn); }));
+    EXPECT_EQ(jet::err::NoSuchTable, errorNumberOf([&] { other.Open("SELECT * FROM Nope", cn); }));
+    EXPECT_EQ(jet::err::SyntaxError, errorNumberOf([&] { other.Open("SELECT A FROM Table1", cn); }));
+    EXPECT_EQ(jet::err::SyntaxError, errorNumberOf([&] { other.Open("SELECT * FROM Table1 WHERE 1", cn); }));
     other.Open("Table1", cn, -1, -1, jet::ado::CmdTable);
     EXPECT_EQ(2, other.RecordCount());
     Connection none;
-    EXPECT_EQ(3704, errorOf([&] { Recordset().Open("SELECT * FROM Table1", none); }));
+    EXPECT_EQ(3704, errorNumberOf([&] { Recordset().Open("SELECT * FROM Table1", none); }));
 }
 
 TEST(Recordset, FieldsByPositionAndNameWithAdoTypesAndValues) {
@@ -143,8 +135,8 @@ TEST(Recordset, FieldsByPositionAndNameWithAdoTypesAndValues) {
     for (int i = 0; i < 9; ++i) EXPECT_EQ(types[i], f[i].Type()) << f[i].Name();
     EXPECT_EQ("G", f["g"].Name());
     EXPECT_EQ(50, f["A"].DefinedSize());
-    EXPECT_EQ(3265, errorOf([&] { f["nothing"]; }));
-    EXPECT_EQ(3265, errorOf([&] { f[9]; }));
+    EXPECT_EQ(3265, errorNumberOf([&] { f["nothing"]; }));
+    EXPECT_EQ(3265, errorNumberOf([&] { f[9]; }));
     rs.MoveNext();
     EXPECT_EQ(Variant::string("hijklmnop"), f["B"].Value());
     EXPECT_EQ(Variant::byte(2), f["C"].Value());

@@ -18,6 +18,7 @@
 #include "jet/UsageMap.h"
 #include "jet/ValueReader.h"
 #include "testkit/FaultInjectionEnv.h"
+#include "testkit/Session.h"
 #include "testkit/TestFiles.h"
 
 namespace {
@@ -26,50 +27,6 @@ using namespace jet::testkit;
 using jet::Variant;
 using jet::Version;
 namespace err = jet::err;
-
-// A database file and a connection on it, as the table engine holds them.
-struct Session {
-    explicit Session(std::string file) : path(std::move(file)) { cn.Open("Provider=microsoft.jet.OLEDB.4.0;Data Source=" + path); }
-    void execute(const std::string& sql) { cn.Execute(sql, nullptr, -1); }
-    // The error number a statement fails with (0 when it succeeds).
-    int32_t errorOf(const std::string& sql) {
-        try {
-            execute(sql);
-        } catch (const jet::RuntimeError& e) {
-            lastError = e.description();
-            return e.number();
-        }
-        return 0;
-    }
-    jet::Database& db() { return *cn.database(); }
-    const jet::TableDef& def(const std::string& table) { return db().openTable(table)->def(); }
-    const jet::CatalogEntry& entry(const std::string& table) { return *db().catalog().findTable(table); }
-    void expectClean() {
-        std::string found;
-        for (const auto& i : jet::check(db()).issues) found += i.where + ": " + i.problem + "\n";
-        EXPECT_EQ("", found);
-    }
-    // Every value of a column, in physical order.
-    std::vector<Variant> column(const std::string& table, const std::string& name) {
-        jet::Recordset rs;
-        rs.Open("SELECT * FROM " + table, cn, 2, 4, -1);
-        std::vector<Variant> values;
-        for (rs.MoveFirst(); !rs.Eof(); rs.MoveNext()) values.push_back(rs.Fields()[name].Value());
-        return values;
-    }
-    void addRows(const std::string& table, std::initializer_list<std::vector<std::pair<std::string, Variant>>> rows) {
-        jet::Recordset rs;
-        rs.Open("SELECT * FROM " + table, cn, 2, 4, -1);
-        for (const auto& row : rows) {
-            rs.AddNew();
-            for (const auto& [name, v] : row) rs.Fields()[name].setValue(v);
-        }
-        rs.UpdateBatch(3);
-    }
-    std::string path;
-    jet::Connection cn;
-    std::string lastError;
-};
 
 // A new file of a version, in a folder of its own.
 struct NewFile {

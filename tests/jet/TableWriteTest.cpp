@@ -19,6 +19,7 @@
 #include "jet/Recordset.h"
 #include "jet/Table.h"
 #include "jet/Transaction.h"
+#include "testkit/Session.h"
 #include "testkit/TestFiles.h"
 
 namespace {
@@ -32,44 +33,22 @@ std::string errorOf(const std::function<void()>& f) {
     try {
         f();
     } catch (const jet::RuntimeError& e) {
-        return std::to_string(e.number()) + " " + e.description();
+        return e.description();
     }
     return "";
 }
-int numberOf(const std::function<void()>& f) { return std::atoi(errorOf(f).c_str()); }
 
-// A copy of a fixture, opened as the table engine opens it.
-struct Session {
-    explicit Session(const std::string& fixture, TempDir::Place place = TempDir::Place::Disk) : copy(fixture, place) {
-        cn.Open(copy.connectionString());
-    }
-    void open(const std::string& table, int cursor = 2, int lock = 4) {
-        if (rs.State() == 1) rs.Close();
-        rs.Open("SELECT * FROM " + table, cn, cursor, lock, -1);
-    }
-    jet::Field field(const std::string& name) { return rs.Fields()[name]; }
-    std::string text(const std::string& name) { return field(name).Value().toString(); }
-    void expectClean() {
-        std::string found;
-        for (const auto& i : jet::check(*cn.database()).issues) found += i.where + ": " + i.problem + "\n";
-        EXPECT_EQ("", found);
-    }
-    // Closes everything and tells whether the file is byte for byte what it was.
-    bool unchangedSince(const std::string& before) {
-        if (rs.State() == 1) rs.Close();
-        cn.Close();
-        return before == readAll(copy.path());
-    }
-    WritableCopy copy;
-    Connection cn;
-    Recordset rs;
-};
+// Closes everything and tells whether the file is byte for byte what it was.
+bool unchangedSince(Session& s, const std::string& before) {
+    s.close();
+    return before == readAll(s.path);
+}
 
 class BothVersions : public ::testing::TestWithParam<const char*> {};
 INSTANTIATE_TEST_SUITE_P(Files, BothVersions, ::testing::Values("testV1997.mdb", "testV2000.mdb"));
 
 TEST_P(BothVersions, TheTableEngineSequencesLandInTheFile) {
-    Session s(GetParam());
+    Session s = Session::onCopyOf(GetParam());
     s.open("Table1");
     const int before = s.rs.RecordCount();
     // AddNewLine: AddNew, first field = RecordCount, Update.
@@ -143,38 +122,38 @@ TEST_P(BothVersions, TheTableEngineSequencesLandInTheFile) {
 }
 
 TEST_P(BothVersions, WhatDoesNotFitOrMayNotBeWrittenIsRefusedAndNothingIsWritten) {
-    Session s(GetParam());
-    const std::string original = readAll(s.copy.path());
+    Session s = Session::onCopyOf(GetParam());
+    const std::string original = readAll(s.path);
     s.open("Table1");
     const std::pair<const char*, const char*> misfits[] = {
         {"C", "300"}, {"C", "-1"}, {"D", "40000"}, {"E", "12abc"}, {"G", "2023-02-29"}, {"I", "maybe"}};
     for (const auto& [column, value] : misfits)
-        EXPECT_EQ(jet::err::MultipleStepErrors, numberOf([&] { s.field(column).setValue(Variant::string(value)); }))
+        EXPECT_EQ(jet::err::MultipleStepErrors, errorNumberOf([&] { s.field(column).setValue(Variant::string(value)); }))
             << column << " = " << value;
-    EXPECT_EQ(jet::err::MultipleStepErrors, numberOf([&] { s.field("A").setValue(Variant::string(std::string(51, 'x'))); }));
+    EXPECT_EQ(jet::err::MultipleStepErrors, errorNumberOf([&] { s.field("A").setValue(Variant::string(std::string(51, 'x'))); }));
     s.field("A").setValue(Variant::string(std::string(50, 'x')));  // the longest text that fits
     s.rs.CancelUpdate();
     s.open("Table1", 0, 1);
-    EXPECT_EQ(jet::err::NotSupported, numberOf([&] { s.rs.AddNew(); }));
-    EXPECT_EQ(jet::err::NotSupported, numberOf([&] { s.rs.Fields()[0].setValue(Variant::string("x")); }));
-    EXPECT_EQ(jet::err::NotSupported, numberOf([&] { s.rs.Delete(1); }));
+    EXPECT_EQ(jet::err::NotSupported, errorNumberOf([&] { s.rs.AddNew(); }));
+    EXPECT_EQ(jet::err::NotSupported, errorNumberOf([&] { s.rs.Fields()[0].setValue(Variant::string("x")); }));
+    EXPECT_EQ(jet::err::NotSupported, errorNumberOf([&] { s.rs.Delete(1); }));
     s.rs.Close();
     s.rs.Open("SELECT * FROM Table1", s.cn);  // ADO's defaults: forward-only, read-only
-    EXPECT_EQ(jet::err::NotSupported, numberOf([&] { s.rs.AddNew(); }));
-    EXPECT_TRUE(s.unchangedSince(original));
+    EXPECT_EQ(jet::err::NotSupported, errorNumberOf([&] { s.rs.AddNew(); }));
+    EXPECT_TRUE(unchangedSince(s, original));
 }
 
 TEST(TableWrite, DuplicateNullAndUnencodableKeysAreRefusedAndNothingIsWritten) {
-    Session s("testIndexPropertiesV2003.mdb");
-    const std::string original = readAll(s.copy.path());
+    Session s = Session::onCopyOf("testIndexPropertiesV2003.mdb");
+    const std::string original = readAll(s.path);
     s.open("TableUnique1_temp");
     s.rs.AddNew();
     s.field("row").setValue(Variant::string("row0"));  // the primary key of the first row
     s.field("data").setValue(Variant::string("fresh"));
-    EXPECT_EQ(jet::err::IntegrityViolation, numberOf([&] { s.rs.Update(); }));
+    EXPECT_EQ(jet::err::IntegrityViolation, errorNumberOf([&] { s.rs.Update(); }));
     s.field("row").setValue(Variant::string("new row"));
     s.field("data").setValue(Variant::string("stuff"));  // the unique index already holds it
-    EXPECT_EQ(jet::err::IntegrityViolation, numberOf([&] { s.rs.Update(); }));
+    EXPECT_EQ(jet::err::IntegrityViolation, errorNumberOf([&] { s.rs.Update(); }));
     s.field("row").setValue(Variant::null());
     s.field("data").setValue(Variant::string("other"));
     EXPECT_NE(std::string::npos, errorOf([&] { s.rs.Update(); }).find("Index or primary key cannot contain a Null value."));
@@ -185,22 +164,22 @@ TEST(TableWrite, DuplicateNullAndUnencodableKeysAreRefusedAndNothingIsWritten) {
     s.rs.MoveFirst();
     s.rs.MoveNext();
     s.field("data").setValue(Variant::string("stuff"));
-    EXPECT_EQ(jet::err::IntegrityViolation, numberOf([&] { s.rs.Update(); }));
+    EXPECT_EQ(jet::err::IntegrityViolation, errorNumberOf([&] { s.rs.Update(); }));
     s.rs.CancelUpdate();
     s.rs.AddNew();
     s.field("row").setValue(Variant::string("a"));
     s.rs.AddNew();
     s.field("row").setValue(Variant::string("a"));
-    EXPECT_EQ(jet::err::IntegrityViolation, numberOf([&] { s.rs.UpdateBatch(3); }));
+    EXPECT_EQ(jet::err::IntegrityViolation, errorNumberOf([&] { s.rs.UpdateBatch(3); }));
     s.rs.CancelBatch();
-    EXPECT_TRUE(s.unchangedSince(original));
+    EXPECT_TRUE(unchangedSince(s, original));
 }
 
 // What the index maintainer must carry into every index: all-null keys left out of the
 // "ignore nulls" indexes, keys that move, rows with keys Jet wrote in codes this engine
 // does not know, and every byte of code page 1252 in a Jet 3 text key.
 TEST(TableWrite, IndexesFollowInsertsUpdatesAndDeletesOfEveryKind) {
-    Session s("testIndexPropertiesV2003.mdb");
+    Session s = Session::onCopyOf("testIndexPropertiesV2003.mdb");
     for (const char* table : {"TableIgnoreNulls1", "TableIgnoreNulls2", "TableUnique2_temp"}) {
         s.open(table);
         s.rs.AddNew();
@@ -220,7 +199,7 @@ TEST(TableWrite, IndexesFollowInsertsUpdatesAndDeletesOfEveryKind) {
     }
     s.expectClean();
 
-    Session unicode("testUnicodeCompV2003.mdb");
+    Session unicode = Session::onCopyOf("testUnicodeCompV2003.mdb");
     unicode.open("Table");
     unicode.rs.AddNew();
     unicode.field("Unicode").setValue(Variant::string("\xCF\xB0\xCE\xB1"));  // no known sort codes
@@ -232,7 +211,7 @@ TEST(TableWrite, IndexesFollowInsertsUpdatesAndDeletesOfEveryKind) {
         unicode.rs.Delete(1);
     unicode.expectClean();
 
-    Session bytes("testIndexCodesV1997.mdb");
+    Session bytes = Session::onCopyOf("testIndexCodesV1997.mdb");
     bytes.open("Table14");  // one row per byte value in an indexed text column
     int changed = 0;
     for (bytes.rs.MoveFirst(); !bytes.rs.Eof(); bytes.rs.MoveNext(), ++changed)
@@ -276,7 +255,7 @@ class LongValues : public ::testing::TestWithParam<const char*> {};
 INSTANTIATE_TEST_SUITE_P(Files, LongValues, ::testing::Values("test2V1997.mdb", "test2V2003.mdb"));
 
 TEST_P(LongValues, MemoAndOleOfEverySizeClassRoundTripAndAreFreedWhenReplaced) {
-    Session s(GetParam());
+    Session s = Session::onCopyOf(GetParam());
     s.open("MSP_PROJECTS");
     const int before = s.rs.RecordCount();
     const std::vector<size_t> sizes = {0, 10, 64, 65, 1500, 2032, 2033, 4076, 4077, 30000};
@@ -323,14 +302,14 @@ TEST_P(LongValues, MemoAndOleOfEverySizeClassRoundTripAndAreFreedWhenReplaced) {
         s.expectClean();
     };
     cycle();
-    const auto size = std::filesystem::file_size(s.copy.path());
+    const auto size = std::filesystem::file_size(s.path);
     cycle();
     cycle();
-    EXPECT_LE(std::filesystem::file_size(s.copy.path()), size + 4 * 4096);
+    EXPECT_LE(std::filesystem::file_size(s.path), size + 4 * 4096);
 }
 
 TEST(TableWrite, ARowThatOutgrowsItsPageMovesAndKeepsItsIdentity) {
-    Session s("testV2000.mdb");
+    Session s = Session::onCopyOf("testV2000.mdb");
     s.open("Table1");
     for (int i = 0; i < 40; ++i) {  // fill the first data page so its first row cannot grow in place
         s.rs.AddNew();
@@ -357,7 +336,7 @@ class Growth : public ::testing::TestWithParam<const char*> {};
 INSTANTIATE_TEST_SUITE_P(Files, Growth, ::testing::Values("compIndexTestV1997.mdb", "compIndexTestV2003.mdb"));
 
 TEST_P(Growth, ThousandsOfRowsSplitTheIndexAndOutgrowInlineMaps) {
-    Session s(GetParam(), TempDir::Place::InMemory);
+    Session s = Session::onCopyOf(GetParam(), TempDir::Place::InMemory);
     s.open("Table1");
     const int before = s.rs.RecordCount();
     for (int i = 0; i < 6000; ++i) {
@@ -379,7 +358,7 @@ TEST_P(Growth, ThousandsOfRowsSplitTheIndexAndOutgrowInlineMaps) {
 }
 
 TEST(TableWrite, AutoNumbersCountOnAndAnExplicitLargerValueRaisesTheCounter) {
-    Session s("testV2000.mdb");
+    Session s = Session::onCopyOf("testV2000.mdb");
     auto table = s.cn.database()->openTable("Table3");
     const jet::Column* counter = nullptr;
     for (const auto& c : table->def().columns())
@@ -396,7 +375,7 @@ TEST(TableWrite, AutoNumbersCountOnAndAnExplicitLargerValueRaisesTheCounter) {
     s.rs.AddNew();
     s.rs.Update();
     EXPECT_EQ(last + 101, s.field(counter->name).Value().asLong());
-    EXPECT_EQ(jet::err::MultipleStepErrors, numberOf([&] { s.field(counter->name).setValue(Variant::longValue(5)); }));
+    EXPECT_EQ(jet::err::MultipleStepErrors, errorNumberOf([&] { s.field(counter->name).setValue(Variant::longValue(5)); }));
     s.expectClean();
 }
 
@@ -406,11 +385,11 @@ TEST(TableWrite, WriteAccessIsTakenAtTheFirstChangeAndAnotherOpenerBlocksIt) {
     auto first = jet::Database::open(copy.path());
     auto second = jet::Database::open(copy.path());  // readers share the file
     EXPECT_FALSE(std::filesystem::exists(lockFile)) << "reading takes no lock file";
-    EXPECT_EQ(jet::err::Unspecified, numberOf([&] { jet::Transaction tx(*first); })) << "another opener reads it";
+    EXPECT_EQ(jet::err::Unspecified, errorNumberOf([&] { jet::Transaction tx(*first); })) << "another opener reads it";
     second.reset();
     jet::Transaction(*first).commit();
     EXPECT_TRUE(std::filesystem::exists(lockFile)) << "a writer keeps the lock file";
-    EXPECT_EQ(jet::err::Unspecified, numberOf([&] { jet::Database::open(copy.path()); })) << "in use by a writer";
+    EXPECT_EQ(jet::err::Unspecified, errorNumberOf([&] { jet::Database::open(copy.path()); })) << "in use by a writer";
     first.reset();
     EXPECT_FALSE(std::filesystem::exists(lockFile));
 }

@@ -15,38 +15,21 @@
 #include "jet/Recordset.h"
 #include "jet/Table.h"
 #include "jet/UsageMap.h"
+#include "testkit/Session.h"
 #include "testkit/TestFiles.h"
 
 namespace {
 
 using jet::Variant;
 using jet::Version;
-using Row = std::vector<std::pair<std::string, Variant>>;
+using jet::testkit::Session;
 
-struct Session {
-    explicit Session(const std::string& path) : path(path) { open(); }
-    void open() { cn.Open("Provider=microsoft.jet.OLEDB.4.0;Data Source=" + path); }
-    void execute(const std::string& sql) { cn.Execute(sql, nullptr, -1); }
-    // New rows with the values given by column name, sent at once.
-    void add(const std::string& table, const std::vector<Row>& rows) {
-        jet::Recordset rs;
-        rs.Open("SELECT * FROM " + table, cn, 2, 4, -1);
-        for (const Row& row : rows) {
-            rs.AddNew();
-            for (const auto& [name, v] : row) rs.Fields()[name].setValue(v);
-        }
-        rs.UpdateBatch(3);
-    }
-    // The readers look at the file on disk while the session lets go of it.
-    void expectReadersAgree() {
-        cn.Close();
-        for (const std::string& d : sheetwright::testing::disagreements(path)) ADD_FAILURE() << d;
-        open();
-    }
-    jet::Database& db() { return *cn.database(); }
-    std::string path;
-    jet::Connection cn;
-};
+// The readers look at the file on disk while the session lets go of it.
+void expectReadersAgree(Session& s) {
+    s.close();
+    for (const std::string& d : sheetwright::testing::disagreements(s.path)) ADD_FAILURE() << d;
+    s.reopen();
+}
 
 std::vector<uint8_t> bytesOf(size_t n, uint8_t seed) {
     std::vector<uint8_t> b(n);
@@ -71,16 +54,16 @@ TEST_P(NewFiles, EveryColumnTypeThroughCreateFillAlterAndDrop) {
     jet::testkit::TempDir dir;
     jet::createDatabase(dir.file("types.mdb"), v, 1251);
     Session s(dir.file("types.mdb"));
-    s.expectReadersAgree();
+    expectReadersAgree(s);
     std::string columns =
         "t TEXT(50), vc VARCHAR (255), c CHAR (255), nc NCHAR (255), tx TEXT, m MEMO, lt LONGTEXT, o OLEOBJECT, "
         "lb LONGBINARY, bin BINARY(16), l LONG, i INT, sh SHORT, si SMALLINT, byt BYTE, bt BIT, yn YESNO, cur CURRENCY, "
         "mon MONEY, dt DATETIME, d DATE, sg SINGLE, re REAL, fl FLOAT, db DOUBLE, ctr COUNTER, g GUID, it INTEGER";
     if (v == Version::Jet4) columns += ", dec DECIMAL(12,3)";
     s.execute("CREATE TABLE Everything (" + columns + ");");
-    s.expectReadersAgree();
+    expectReadersAgree(s);
     const std::string longText(5000, 'x');
-    s.add("Everything", {{{"t", Variant::string("short")},
+    s.addRows("Everything", {{{"t", Variant::string("short")},
                           {"vc", Variant::string("Привет, мир")},
                           {"c", Variant::string("")},
                           {"m", Variant::string(longText)},
@@ -101,7 +84,7 @@ TEST_P(NewFiles, EveryColumnTypeThroughCreateFillAlterAndDrop) {
                          {},  // every value Null, the counter counts on
                          {{"nc", Variant::string(std::string(255, 'n'))}, {"yn", Variant::boolean(true)},
                           {"d", Variant::date(-2.5)}, {"fl", Variant::doubleValue(1e300)}}});
-    s.expectReadersAgree();
+    expectReadersAgree(s);
     jet::Recordset rs;
     rs.Open("SELECT * FROM Everything", s.cn, 2, 4, -1);
     rs.MoveFirst();
@@ -112,19 +95,19 @@ TEST_P(NewFiles, EveryColumnTypeThroughCreateFillAlterAndDrop) {
     rs.Close();
 
     s.execute("ALTER TABLE Everything ADD added DOUBLE");
-    s.add("Everything", {{{"added", Variant::doubleValue(2.5)}, {"t", Variant::string("after")}}});
+    s.addRows("Everything", {{{"added", Variant::doubleValue(2.5)}, {"t", Variant::string("after")}}});
     s.execute("ALTER TABLE Everything DROP o");
     s.execute("ALTER TABLE Everything DROP m");
     s.execute("ALTER TABLE Everything RENAME t TO title");
     s.execute("ALTER TABLE Everything ADD notes MEMO");
     s.execute("ALTER TABLE Everything ADD numbered COUNTER");
-    s.add("Everything", {{{"notes", Variant::string(std::string(3000, 'q'))}, {"title", Variant::string("last")}}});
-    s.expectReadersAgree();
+    s.addRows("Everything", {{{"notes", Variant::string(std::string(3000, 'q'))}, {"title", Variant::string("last")}}});
+    expectReadersAgree(s);
     s.execute("CREATE TABLE Second (a INTEGER)");
     s.execute("DROP TABLE Everything;");
-    s.expectReadersAgree();
+    expectReadersAgree(s);
     s.execute("DROP TABLE Second");
-    s.expectReadersAgree();
+    expectReadersAgree(s);
     EXPECT_TRUE(s.db().catalog().userTables().empty());
 }
 
@@ -137,10 +120,10 @@ TEST_P(AccessFiles, NewTablesBesideAccessOnesAndAnAccessTableDroppedAndItsPagesR
     jet::testkit::WritableCopy copy(GetParam());
     Session s(copy.path());
     s.execute("CREATE TABLE Beside (Name VARCHAR (255), Amount DOUBLE, Notes MEMO)");
-    s.add("Beside", {{{"Name", Variant::string("new")}, {"Amount", Variant::doubleValue(3.25)},
+    s.addRows("Beside", {{{"Name", Variant::string("new")}, {"Amount", Variant::doubleValue(3.25)},
                       {"Notes", Variant::string(std::string(2500, 'n'))}}});
     s.execute("ALTER TABLE MSP_PROJECTS ADD Extra INTEGER");
-    s.expectReadersAgree();
+    expectReadersAgree(s);
 
     std::set<uint32_t> tablePages;
     const jet::Database& before = s.db();
@@ -155,19 +138,19 @@ TEST_P(AccessFiles, NewTablesBesideAccessOnesAndAnAccessTableDroppedAndItsPagesR
     }
     const uint32_t pagesBefore = before.pager().pageCount();
     s.execute("DROP TABLE MSP_PROJECTS");
-    s.expectReadersAgree();
+    expectReadersAgree(s);
     const auto freePages = jet::UsageMap::read(s.db().pager(), s.db().format(), 1u << 8);
     for (uint32_t p : tablePages) EXPECT_TRUE(freePages.contains(p)) << "page " << p << " was not freed";
 
     // The next table and its rows go onto the freed pages: the file does not grow.
     s.execute("CREATE TABLE Reuse (Name VARCHAR (255), Notes MEMO)");
-    std::vector<Row> rows;
+    std::vector<Session::Row> rows;
     for (int i = 0; i < 20; ++i)
         rows.push_back({{"Name", Variant::string("row " + std::to_string(i))}, {"Notes", Variant::string(std::string(900, char('a' + i)))}});
-    s.add("Reuse", rows);
+    s.addRows("Reuse", rows);
     EXPECT_EQ(pagesBefore, s.db().pager().pageCount());
     EXPECT_TRUE(tablePages.count(s.db().catalog().findTable("Reuse")->tdefPage())) << "the new definition reuses a page";
-    s.expectReadersAgree();
+    expectReadersAgree(s);
 }
 
 }  // namespace

@@ -12,6 +12,7 @@
 #include "engine/XDataBase.h"
 
 #include "host/ErrorTrap.h"
+#include "host/FileSystemObject.h"
 #include "host/FunctionLibrary.h"
 #include "host/HostPath.h"
 #include "host/Registry.h"
@@ -167,10 +168,12 @@ bool XDataBase::OpenDataBase(const QString& fileName)
 void XDataBase::CreateDataBase(const QString& /*name*/, const QString& fileName)
 {
     replaceConnection();
-    // The engine's own copy, not a plain file copy: a rollback journal a crash left beside
-    // the target must never be applied to the fresh copy.
-    jet::copyDatabase(host::localPath(databaseFolder_ + QStringLiteral("\\") + host::keys::TemplateDatabase).toStdString(),
-                      fileName.toStdString());
+    const QString templateFile = host::localPath(databaseFolder_ + QStringLiteral("\\") + host::keys::TemplateDatabase);
+    // A missing template or a target in use answers with the file-system object's numbers;
+    // the copy itself is the engine's, so a rollback journal a crash left beside the target
+    // is discarded, never applied to the fresh copy.
+    host::CheckCopyFile(templateFile, fileName, true);
+    jet::copyDatabase(templateFile.toStdString(), fileName.toStdString());
     openConnection(QStringLiteral("Provider=microsoft.jet.OLEDB.3.51;Data Source=") + fileName);
 }
 

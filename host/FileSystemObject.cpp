@@ -30,9 +30,8 @@ bool lockedByAnother(const QString& path)
 
 }  // namespace
 
-void CopyFile(const QString& source, const QString& target, bool overwrite)
+void CheckCopyFile(const QString& source, const QString& target, bool overwrite)
 {
-    QFile in(source);
     if (!QFileInfo(source).isFile())
         throw vbError(vberr::FileNotFound, QStringLiteral("File not found: '%1'").arg(source));
     if (!overwrite && QFileInfo::exists(target))
@@ -41,6 +40,12 @@ void CopyFile(const QString& source, const QString& target, bool overwrite)
         throw vbError(PermissionDenied, QStringLiteral("Permission denied: '%1' is in use").arg(target));
     if (!QFileInfo(target).absoluteDir().exists())
         throw vbError(vberr::PathNotFound, QStringLiteral("Path not found: '%1'").arg(target));
+}
+
+void CopyFile(const QString& source, const QString& target, bool overwrite)
+{
+    CheckCopyFile(source, target, overwrite);
+    QFile in(source);
     if (!in.open(QIODevice::ReadOnly))
         throw vbError(vberr::PathFileAccessError, QStringLiteral("Cannot read '%1': %2").arg(source, in.errorString()));
 

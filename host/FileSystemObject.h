@@ -14,4 +14,8 @@ namespace host {
 // or written.
 void CopyFile(const QString& source, const QString& target, bool overwrite);
 
+// Raises the error CopyFile would raise before copying anything (53, 58, 70 or 76), for
+// callers that copy by other means but answer as the file-system object does.
+void CheckCopyFile(const QString& source, const QString& target, bool overwrite);
+
 }  // namespace host

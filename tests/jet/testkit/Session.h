@@ -33,6 +33,13 @@ inline int32_t errorNumberOf(const std::function<void()>& code) {
     return 0;
 }
 
+// What the integrity checker found, a line per issue: "" when the file is clean.
+inline std::string issuesOf(const CheckReport& report) {
+    std::string found;
+    for (const auto& i : report.issues) found += i.where + ": " + i.problem + "\n";
+    return found;
+}
+
 struct Session {
     using Row = std::vector<std::pair<std::string, Variant>>;
 
@@ -86,11 +93,7 @@ struct Session {
         }
         r.UpdateBatch(3);
     }
-    void expectClean() {
-        std::string found;
-        for (const auto& i : check(db()).issues) found += i.where + ": " + i.problem + "\n";
-        EXPECT_EQ("", found);
-    }
+    void expectClean() { EXPECT_EQ("", issuesOf(check(db()))); }
 
     std::optional<WritableCopy> copy;  // the fixture's copy the session works on, if any
     std::string path;

@@ -18,18 +18,15 @@ std::string letters(std::mt19937_64& rng, size_t n, bool latin1) {
     return s;
 }
 
-size_t longLength(std::mt19937_64& rng, LongSize size) {
-    if (size == LongSize::Any) size = LongSize(rng() % 3);
-    switch (size) {
-    case LongSize::Inline: return rng() % 60;
-    case LongSize::SingleRow: return 100 + rng() % 1800;
-    default: return 4100 + rng() % 9000;
-    }
+// Inline, in one long-value row, or in a chain of them.
+size_t longLength(std::mt19937_64& rng) {
+    const size_t sizeClass = rng() % 3;
+    return sizeClass == 0 ? rng() % 60 : sizeClass == 1 ? 100 + rng() % 1800 : 4100 + rng() % 9000;
 }
 
 }  // namespace
 
-Variant sampleValue(const Column& c, Version version, std::mt19937_64& rng, uint64_t unique, LongSize longSize) {
+Variant sampleValue(const Column& c, Version version, std::mt19937_64& rng, uint64_t unique) {
     const bool jet4 = version == Version::Jet4;
     switch (c.type()) {
     case ColumnType::Bool: return Variant::boolean(rng() & 1);
@@ -70,10 +67,10 @@ Variant sampleValue(const Column& c, Version version, std::mt19937_64& rng, uint
         }
         return Variant::string(s.substr(0, cut));
     }
-    case ColumnType::Memo: return Variant::string("m" + std::to_string(unique) + letters(rng, longLength(rng, longSize), jet4));
+    case ColumnType::Memo: return Variant::string("m" + std::to_string(unique) + letters(rng, longLength(rng), jet4));
     case ColumnType::Ole:
     case ColumnType::Binary: {
-        size_t n = c.type() == ColumnType::Binary ? 1 + rng() % std::max<size_t>(1, c.length) : longLength(rng, longSize);
+        size_t n = c.type() == ColumnType::Binary ? 1 + rng() % std::max<size_t>(1, c.length) : longLength(rng);
         std::vector<uint8_t> bytes(n);
         for (auto& b : bytes) b = uint8_t(rng());
         if (!bytes.empty()) bytes[0] = uint8_t(unique);

@@ -12,9 +12,6 @@
 
 namespace jet::testkit {
 
-enum class LongSize { Inline, SingleRow, Chain, Any };
-
-Variant sampleValue(const Column& column, Version version, std::mt19937_64& rng, uint64_t unique,
-                    LongSize longSize = LongSize::Any);
+Variant sampleValue(const Column& column, Version version, std::mt19937_64& rng, uint64_t unique);
 
 }  // namespace jet::testkit

@@ -21,12 +21,12 @@ public:
     size_t readAt(uint64_t offset, std::span<uint8_t> out) override { return base_->readAt(offset, out); }
 
     void writeAt(uint64_t offset, std::span<const uint8_t> data) override {
-        env_.perform({OpKind::Write, path_, offset, data.size()}, [&] { store(offset, data); },
+        env_.perform(OpKind::Write, path_, [&] { store(offset, data); },
                      [&] { store(offset, data.first(data.size() / 2)); });
     }
 
     void sync() override {
-        env_.perform({OpKind::Sync, path_}, [&] {
+        env_.perform(OpKind::Sync, path_, [&] {
             base_->sync();
             env_.unsynced_.erase(path_);
         });
@@ -35,7 +35,7 @@ public:
     uint64_t size() override { return base_->size(); }
 
     void truncate(uint64_t size) override {
-        env_.perform({OpKind::Truncate, path_, size}, [&] {
+        env_.perform(OpKind::Truncate, path_, [&] {
             env_.unsynced(path_, *base_).changes.push_back({true, size, {}});
             base_->truncate(size);
         });
@@ -60,20 +60,20 @@ FaultInjectionEnv::FaultInjectionEnv(Env& base) : base_(base) {}
 
 FaultInjectionEnv::~FaultInjectionEnv() = default;
 
-void FaultInjectionEnv::perform(const Op& op, const std::function<void()>& effect,
+void FaultInjectionEnv::perform(OpKind kind, const std::string& path, const std::function<void()>& effect,
                                 const std::function<void()>& halfEffect) {
-    ops_.push_back(op);
+    ++opCount_;
     std::optional<Fault> fault;
     if (poweredOff_) {
         fault = Fault::PowerLoss;
-    } else if (auto it = faults_.find(ops_.size()); it != faults_.end()) {
+    } else if (auto it = faults_.find(opCount_); it != faults_.end()) {
         fault = it->second;
         faults_.erase(it);
         if (fault == Fault::PowerLoss) poweredOff_ = true;
     }
     if (fault == Fault::ShortWrite && halfEffect) halfEffect();
     if (!fault || fault == Fault::LateError) effect();
-    if (fault) raise(*fault, op.kind, op.path);
+    if (fault) raise(*fault, kind, path);
 }
 
 void FaultInjectionEnv::raise(Fault fault, OpKind kind, const std::string& path) {
@@ -111,7 +111,7 @@ std::unique_ptr<File> FaultInjectionEnv::open(const std::string& path, OpenMode 
     if (mode != OpenMode::Create) return std::make_unique<FaultFile>(*this, path, base_.open(path, mode));
 
     std::unique_ptr<File> file;
-    perform({OpKind::Create, path}, [&] { file = createNow(path); });
+    perform(OpKind::Create, path, [&] { file = createNow(path); });
     return std::make_unique<FaultFile>(*this, path, std::move(file));
 }
 
@@ -137,7 +137,7 @@ bool FaultInjectionEnv::exists(const std::string& path) { return base_.exists(pa
 
 void FaultInjectionEnv::remove(const std::string& path) {
     if (readOnly_) throw IoError("Cannot delete '" + path + "': Permission denied");
-    perform({OpKind::Remove, path}, [&] { removeNow(path); });
+    perform(OpKind::Remove, path, [&] { removeNow(path); });
 }
 
 void FaultInjectionEnv::removeNow(const std::string& path) {
@@ -154,7 +154,7 @@ void FaultInjectionEnv::removeNow(const std::string& path) {
 }
 
 void FaultInjectionEnv::syncDirectory(const std::string& dirPath) {
-    perform({OpKind::SyncDirectory, dirPath}, [&] {
+    perform(OpKind::SyncDirectory, dirPath, [&] {
         base_.syncDirectory(dirPath);
         std::erase_if(entries_, [&](const auto& e) { return directoryOf(e.first) == dirPath; });
     });

@@ -38,19 +38,12 @@ public:
     };
     enum class CrashMode { DropUnsynced, KeepSomeUnsynced };
     enum class OpKind { Create, Write, Truncate, Sync, Remove, SyncDirectory };
-    struct Op {
-        OpKind kind;
-        std::string path;
-        uint64_t offset = 0;  // writes: position and length; truncations: the new size
-        uint64_t length = 0;
-    };
 
     explicit FaultInjectionEnv(Env& base = Env::posix());
     ~FaultInjectionEnv() override;
 
-    // Every changing operation attempted so far; opCount() is the number of the last one.
-    const std::vector<Op>& ops() const { return ops_; }
-    uint64_t opCount() const { return ops_.size(); }
+    // The number of the last changing operation attempted.
+    uint64_t opCount() const { return opCount_; }
     void injectFault(uint64_t opNumber, Fault fault) { faults_[opNumber] = fault; }
     bool poweredOff() const { return poweredOff_; }
     // Files and folders look read-only: writable() is false, opening for writing and
@@ -81,7 +74,7 @@ private:
 
     // Logs the operation and runs its effect under the fault injected for it, if any: half
     // the effect for a short write, the whole of it for a late error, none for the rest.
-    void perform(const Op& op, const std::function<void()>& effect, const std::function<void()>& halfEffect = {});
+    void perform(OpKind kind, const std::string& path, const std::function<void()>& effect, const std::function<void()>& halfEffect = {});
     [[noreturn]] static void raise(Fault fault, OpKind kind, const std::string& path);
     Unsynced& unsynced(const std::string& path, File& base);
     std::unique_ptr<File> createNow(const std::string& path);
@@ -90,7 +83,7 @@ private:
     void replaceFile(const std::string& path, const std::vector<uint8_t>& bytes);
 
     Env& base_;
-    std::vector<Op> ops_;
+    uint64_t opCount_ = 0;
     std::map<uint64_t, Fault> faults_;
     bool poweredOff_ = false;
     bool readOnly_ = false;

@@ -143,19 +143,16 @@ TEST(Recordset, FieldsByPositionAndNameWithAdoTypesAndValues) {
     EXPECT_EQ(Variant::integer(222), f["D"].Value());
     EXPECT_EQ(Variant::currency(35000), f["H"].Value());
 
-    // Decimal, Replication ID, and a 22,970-byte OLE value over a chain of long-value rows.
-    auto value = [](const std::string& file, const std::string& table, const std::string& field) {
+    // The types of Decimal and Replication ID fields (their values are the corpus test's).
+    auto type = [](const std::string& file, const std::string& table, const std::string& field) {
         Connection c;
         c.Open(jet4(file));
         Recordset r;
         r.Open("SELECT * FROM " + table, c);
-        return std::pair(r.Fields()[field].Type(), r.Fields()[field].Value());
+        return r.Fields()[field].Type();
     };
-    EXPECT_EQ(131, value("fixedNumericTestV2003.mdb", "test", "col2").first);
-    EXPECT_EQ(Variant::Type::Decimal, value("fixedNumericTestV2003.mdb", "test", "col2").second.type());
-    EXPECT_EQ(72, value("testIndexCodesV1997.mdb", "Table13", "data").first);
-    for (const char* file : {"test2V1997.mdb", "test2V2003.mdb"})
-        EXPECT_EQ(22970u, value(file, "MSP_PROJECTS", "RESERVED_BINARY_DATA").second.asBytes().size()) << file;
+    EXPECT_EQ(131, type("fixedNumericTestV2003.mdb", "test", "col2"));
+    EXPECT_EQ(72, type("testIndexCodesV1997.mdb", "Table13", "data"));
 
     Connection closing;
     closing.Open(jet4("compIndexTestV2003.mdb"));

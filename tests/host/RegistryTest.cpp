@@ -94,15 +94,3 @@ TEST(Registry, AFileThatCannotBeReadReadsEmptyAndIsNeverWrittenOver)
     Registry blocked(file + "/Vorbex");  // nor can a folder be made below a file
     EXPECT_EQ(writeError(blocked), 75);
 }
-
-TEST(Registry, TheFolderFollowsTheEnvironment)
-{
-    EnvironmentScope environment;
-    environment.set("SHEETWRIGHT_REGISTRY", "/tmp/chosen");
-    environment.set("XDG_CONFIG_HOME", "/tmp/config");
-    EXPECT_EQ(Registry::defaultFolder(), "/tmp/chosen");
-    environment.set("SHEETWRIGHT_REGISTRY", "");
-    EXPECT_EQ(Registry::defaultFolder(), "/tmp/config/Vorbex");
-    environment.set("XDG_CONFIG_HOME", "");
-    EXPECT_EQ(Registry::defaultFolder(), QDir::homePath() + "/.config/Vorbex");
-}

@@ -3,6 +3,7 @@
 // made afresh, the registry in a private folder (SHEETWRIGHT_REGISTRY points there), and
 // the scripted UI services answering every box. Everything is put back when it ends.
 
+#include <optional>
 #include <QDir>
 #include <QTemporaryDir>
 
@@ -15,15 +16,20 @@ public:
     FreshProgram()
     {
         QDir(dir.path()).mkpath("registry");
-        environment.set("SHEETWRIGHT_REGISTRY", path("registry"));
+        qputenv("SHEETWRIGHT_REGISTRY", QFile::encodeName(path("registry")));
         app::resetModuleGlobals();
     }
-    ~FreshProgram() { app::resetModuleGlobals(); }
+    ~FreshProgram()
+    {
+        app::resetModuleGlobals();
+        savedRegistry ? qputenv("SHEETWRIGHT_REGISTRY", *savedRegistry) : qunsetenv("SHEETWRIGHT_REGISTRY");
+    }
 
     QString path(const QString& name) const { return QDir(dir.path()).filePath(name); }
 
+    const std::optional<QByteArray> savedRegistry =
+        qEnvironmentVariableIsSet("SHEETWRIGHT_REGISTRY") ? std::optional(qgetenv("SHEETWRIGHT_REGISTRY")) : std::nullopt;
     QTemporaryDir dir;
-    EnvironmentScope environment;
     ui::ScriptedUiServices fake;
     ui::UiServicesScope use{fake};
 };

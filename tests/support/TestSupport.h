@@ -1,16 +1,13 @@
 #pragma once
 // What tests of the layers above the engine need again and again: readable texts in
 // failure messages, the run-time error a piece of code raises, whole files in and out,
-// text input from memory, and environment variables put back as they were.
+// and text input from memory.
 
 #include <cstdint>
 #include <functional>
-#include <map>
 #include <memory>
-#include <optional>
 #include <ostream>
 #include <stdexcept>
-#include <string>
 #include <QBuffer>
 #include <QFile>
 #include <QString>
@@ -56,26 +53,3 @@ inline std::unique_ptr<host::TextLineReader> readerOf(const QByteArray& bytes)
     buffer->open(QIODevice::ReadOnly);
     return std::make_unique<host::TextLineReader>(std::move(buffer));
 }
-
-// Environment variables changed for a test and put back when it ends.
-class EnvironmentScope {
-public:
-    EnvironmentScope() = default;
-    EnvironmentScope(const EnvironmentScope&) = delete;
-    EnvironmentScope& operator=(const EnvironmentScope&) = delete;
-    ~EnvironmentScope()
-    {
-        for (const auto& [name, value] : saved_)
-            value ? qputenv(name.c_str(), *value) : qunsetenv(name.c_str());
-    }
-    // An empty value removes the variable.
-    void set(const char* name, const QString& value)
-    {
-        if (!saved_.count(name))
-            saved_[name] = qEnvironmentVariableIsSet(name) ? std::optional(qgetenv(name)) : std::nullopt;
-        value.isEmpty() ? qunsetenv(name) : qputenv(name, QFile::encodeName(value));
-    }
-
-private:
-    std::map<std::string, std::optional<QByteArray>> saved_;
-};

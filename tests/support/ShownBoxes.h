@@ -1,0 +1,15 @@
+#pragma once
+// Every box the scripted services were asked to show, as "title|style|text", so a test
+// compares what the user saw, and in which order, in one go.
+
+#include <QStringList>
+
+#include "ui/ScriptedUiServices.h"
+
+inline QStringList shownBoxes(const ui::ScriptedUiServices& fake)
+{
+    QStringList shown;
+    for (const ui::RecordedBox& box : fake.boxes())
+        shown << box.title + u'|' + QString::number(box.style) + u'|' + box.prompt;
+    return shown;
+}

@@ -1,6 +1,7 @@
 #include <gtest/gtest.h>
 
 #include "../support/FreshProgram.h"
+#include "../support/ShownBoxes.h"
 
 #include "host/Registry.h"
 #include "host/RegistryKeys.h"
@@ -38,17 +39,6 @@ protected:
 };
 
 }  // namespace
-
-TEST_F(MainTest, WithNoSettingsAtAllTheWindowOpensAfterTheRunTimeErrorBox)
-{
-    ASSERT_EQ(start(), "1 box(es) before, caption ''");
-    EXPECT_TRUE(program.fake.boxes()[0].prompt.startsWith("Run-time error '"));  // no language table
-    EXPECT_EQ(program.fake.boxes()[0].style, ui::vbCritical);
-    EXPECT_EQ(gTableSeparator, QString(QChar(0)));
-    EXPECT_EQ(gTypeNum, 0);
-    EXPECT_FALSE(gUseLogin);
-    EXPECT_EQ(gWinX + gWinY, 0);
-}
 
 TEST_F(MainTest, NumbersAreReadWithValAndRoundedHalvesToEven)
 {
@@ -89,12 +79,17 @@ TEST_F(MainTest, ReadsTheUsersValuesAndHasTheirLanguageTableLoadedWhenTheWindowS
 
 TEST_F(MainTest, AnErrorOfTheLanguageTableIsShownAndTheWindowOpensWithWhatWasRead)
 {
+    // With no settings at all there is no language table either.
+    ASSERT_EQ(start(), "1 box(es) before, caption ''");
+    EXPECT_TRUE(shownBoxes(program.fake)[0].startsWith("Sheetwright|16|Run-time error '"));
+    EXPECT_TRUE(gTableSeparator == QString(QChar(0)) && gTypeNum == 0 && !gUseLogin && gWinX == 0 && gWinY == 0);
     const QByteArray english = readFile(kLanguages + "/English.lng");
     writeFile(program.path("Broken.lng"), english.left(english.indexOf("/TableOptions")));  // ends early
     set(HKEY_LOCAL_MACHINE, keys::Languages, QString(), program.dir.path());
     set(HKEY_CURRENT_USER, keys::Languages, keys::LanguageFile, "Broken.lng");
+    program.fake.clear();
     ASSERT_EQ(start(), "1 box(es) before, caption 'Sheetwright - Access database tables'");
-    EXPECT_EQ(program.fake.boxes()[0].prompt, "Run-time error '62':\n\nInput past end of file");
+    EXPECT_EQ(shownBoxes(program.fake), QStringList{"Sheetwright|16|Run-time error '62':\n\nInput past end of file"});
     EXPECT_EQ(gLang().Table().TableOptions().Count(), 0);
 }
 

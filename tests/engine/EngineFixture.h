@@ -9,6 +9,7 @@
 #include <QDirIterator>
 
 #include "../support/FreshProgram.h"
+#include "../support/ShownBoxes.h"
 #include "Selections.h"
 
 #include "engine/XDataBase.h"
@@ -16,6 +17,11 @@
 #include "host/RegistryKeys.h"
 #include "jet/Checker.h"
 #include "ui/dialogs/Dialogs.h"
+
+// indexTestV1997: Table1 (5 columns, 4 rows, in a relationship), Table2 (id, data; 3 rows),
+// Table3 (id, data; 4 rows). testV1997 and testV2000: Table1 (2 rows), Table2, Table3, Table4 (empty).
+inline const QStringList kIndexTables = {"Table1", "Table2", "Table3"};
+inline const QStringList kTestTables = {"Table1", "Table2", "Table3", "Table4"};
 
 class EngineFixture : public testing::Test {
 protected:

@@ -3,6 +3,7 @@
 #include "../support/FreshProgram.h"
 
 #include "lang/LangApp.h"
+#include "ui/Twips.h"
 #include "ui/main/frmTable.h"
 
 TEST(FrmTable, TakesItsCaptionFromTheLanguageTableAndItsSizeInTwipsFromTheSettings)
@@ -17,4 +18,5 @@ TEST(FrmTable, TakesItsCaptionFromTheLanguageTableAndItsSizeInTwipsFromTheSettin
     EXPECT_EQ(form.objectName(), "frmTable");
     EXPECT_EQ(form.windowTitle(), QString::fromUtf8("Sheetwright - таблицы"));
     EXPECT_EQ(form.size(), QSize(800, 600) * form.logicalDpiX() / 96);
+    EXPECT_EQ(ui::twipsToPixels(9000, 144), 900);  // whatever the screen here, the density counts
 }

@@ -1,5 +1,5 @@
-// The scripted fake the other tests answer boxes with, modal forms included (played on a
-// form that writes down what is done to it).
+// The scripted fake playing modal forms for the other tests, on a form that writes down
+// what is done to it.
 
 #include <gtest/gtest.h>
 
@@ -41,34 +41,6 @@ private:
 };
 
 }  // namespace
-
-TEST(ScriptedUiServices, AnswersFromItsQueuesAndCancelsAndCountsWhatWasNotScripted)
-{
-    ScriptedUiServices fake;
-    UiServicesScope use(fake);
-    fake.answerMessageBox(vbNo).answerInputBox("Orders").answerOpenFile("/tmp/a.mdb", 2);
-    EXPECT_EQ(fake.messageBox("first?", vbYesNo | vbQuestion, "Q"), vbNo);
-    EXPECT_EQ(fake.inputBox("Name:", "New table", "Table1"), "Orders");
-    EXPECT_EQ(fake.openFileDialog({"Open", "MDB|*.mdb", "/tmp", "mdb", 1}).filterIndex, 2);
-    EXPECT_TRUE(fake.allAnswersUsed());
-    EXPECT_EQ(fake.messageBox("note", vbExclamation, "t"), vbOK);  // an OK box needs no script
-    EXPECT_EQ(fake.messageBox("sure?", vbYesNo, "t"), vbNo);
-    EXPECT_EQ(fake.messageBox("save?", vbYesNoCancel, "t"), vbCancel);
-    EXPECT_EQ(fake.inputBox("name", "t", "x"), QString());
-    EXPECT_TRUE(fake.saveFileDialog({}).fileName.isEmpty());
-    EXPECT_EQ(fake.unscriptedCount(), 4);
-    QStringList recorded;  // "kind style|title|what it showed"
-    for (const RecordedBox& box : fake.boxes())
-        recorded << QStringLiteral("%1 %2|%3|%4%5%6").arg(int(box.kind)).arg(box.style).arg(box.title, box.prompt, box.defaultText, box.file.filter);
-    EXPECT_EQ(recorded, QStringList({"0 36|Q|first?", "1 0|New table|Name:Table1", "2 0|Open|MDB|*.mdb", "0 48|t|note",
-                                     "0 4|t|sure?", "0 3|t|save?", "1 0|t|namex", "3 0||"}));
-    EXPECT_EQ(fake.messageBoxes().size(), 4u);
-    fake.answerInputBox("unused");
-    fake.setClipboardText("3.14");
-    EXPECT_EQ(UiServices::current().clipboardText(), "3.14");
-    fake.clear();
-    EXPECT_TRUE(fake.allAnswersUsed() && fake.boxes().empty());
-}
 
 TEST(ScriptedUiServices, PlaysEachScriptOnAFreshFormAndClosesWhatIsLeftOpenByItsFrame)
 {

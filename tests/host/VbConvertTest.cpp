@@ -46,9 +46,7 @@ TEST(Conversions, RoundHalvesToEvenAndOverflowOutsideTheTypesRange)
 
 TEST(Conversions, ChrAndAscUseTheAnsiCodePage)
 {
-    EXPECT_EQ(Chr(59), ";");
-    EXPECT_EQ(Chr(0), QString(QChar(0)));
-    EXPECT_EQ(Chr(0xC0), QString::fromUtf8("А"));  // Windows-1251
+    EXPECT_EQ(Chr(0) + Chr(59) + Chr(0xC0), QString(QChar(0)) + QString::fromUtf8(";А"));  // Windows-1251
     EXPECT_EQ(Asc(";;"), 59);
     EXPECT_EQ(Asc(QString::fromUtf8("я")), 0xFF);
     EXPECT_EQ(Asc(QString::fromUtf8("€")), 0x88);

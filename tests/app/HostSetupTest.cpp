@@ -25,10 +25,7 @@ class HostSetupTest : public testing::Test {
 protected:
     SetupDefaults defaults() const
     {
-        SetupDefaults d;
-        d.languageFolder = "/opt/languages";
-        d.databaseFolder = dir.filePath("data/Database");
-        return d;
+        return {.languageFolder = "/opt/languages", .databaseFolder = dir.filePath("data/Database")};
     }
     QTemporaryDir dir;
     host::Registry registry{dir.filePath("registry")};

@@ -1,7 +1,10 @@
-// Switching tables, the record cursor, reading cells and copying selections as text, on
-// copies of corpus files.
+// Switching tables, the record cursor, reading cells, copying selections as text and the
+// data-source role, on copies of corpus files.
 
 #include "EngineFixture.h"
+
+#include "jet/Connection.h"
+#include "jet/Recordset.h"
 
 // indexTestV1997 Table1 (id, otherfk1, otherfk2, data, otherfk3):
 //   0,0,10,baz0,0 / 1,1,11,baz11,0 / 2,1,11,baz11-2,0 / 3,2,13,baz13,0
@@ -79,4 +82,29 @@ TEST_F(CursorTest, ACopiedSelectionHasOneLineForEachSelectedColumn)
     db().MoveFirst();
     EXPECT_EQ(runTimeErrorOf([&] { db().Item("data1", 1); }), jet::err::InvalidUseOfNull);
     EXPECT_EQ(db().SelectFromTable(selectionOf({{2, 1, 2, 5}}), ";"), "stuff;;more;some;\r\n");
+}
+
+TEST_F(CursorTest, AsADataSourceItHandsOutItsRecordSetOnTheCurrentQueryOrElseTheCatalogue)
+{
+    openCopy("indexTestV1997.mdb");
+    db().MoveFirst();
+    db().Move(2);
+    const std::shared_ptr<jet::Recordset> data = db().GetDataMember("anything");
+    ASSERT_TRUE(data && data->State() == jet::ado::StateOpen);
+    EXPECT_EQ(data->RecordCount(), 4);
+    EXPECT_EQ(data->Fields()[3].Value().toString(), "baz0");
+    // The connection was opened again with the same string, then the query sent.
+    EXPECT_EQ(connectionStrings, QStringList{jet351(file)});
+    EXPECT_EQ(sql, QStringList{"SELECT * FROM Table1"});
+    data->MoveNext();  // the engine's own record set
+    EXPECT_EQ(db().GetCurrentRecord("id"), "1");
+
+    app::resetModuleGlobals();
+    ASSERT_TRUE(QFile::copy(fixture("testV1997.mdb"), path("Database/empty97.mdb")));
+    EXPECT_EQ(runTimeErrorOf([&] { db().GetDataMember(""); }), 91);
+    db().CreateDataBase("", path("fresh.mdb"));
+    QStringList names;
+    for (const auto catalogue = db().GetDataMember("!__LIST"); !catalogue->Eof(); catalogue->MoveNext())
+        names << QString::fromStdString(catalogue->Fields()["TABLE_NAME"].Value().toString());
+    EXPECT_EQ(names, kTestTables);
 }

@@ -5,7 +5,7 @@
 #include <vector>
 
 #include "base/Bytes.h"
-#include "pager/Pager.h"
+#include "base/CorruptError.h"
 
 namespace jet {
 

@@ -6,8 +6,8 @@
 #include <string>
 
 #include "base/Bytes.h"
+#include "base/CorruptError.h"
 #include "format/IndexEntry.h"
-#include "pager/Pager.h"
 
 namespace jet {
 namespace {

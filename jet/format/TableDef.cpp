@@ -4,6 +4,7 @@
 #include <set>
 
 #include "base/Bytes.h"
+#include "base/CorruptError.h"
 #include "base/Utf.h"
 #include "format/CodePage.h"
 #include "format/TextCodec.h"

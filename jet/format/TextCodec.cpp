@@ -1,7 +1,7 @@
 #include "format/TextCodec.h"
 
+#include "base/CorruptError.h"
 #include "base/Utf.h"
-#include "pager/Pager.h"
 
 namespace jet {
 

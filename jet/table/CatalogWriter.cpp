@@ -1,6 +1,7 @@
 #include "table/CatalogWriter.h"
 
 #include "base/Bytes.h"
+#include "base/CorruptError.h"
 #include "base/Utf.h"
 #include "table/Database.h"
 #include "table/LongValue.h"

@@ -2,9 +2,9 @@
 
 #include <cstdio>
 
+#include "base/CorruptError.h"
 #include "index/IndexTree.h"
 #include "index/IndexTreeWriter.h"
-#include "pager/Pager.h"
 #include "table/Database.h"
 #include "table/RowReader.h"
 

@@ -16,6 +16,7 @@ constexpr const char* kBadCreate = "Syntax error in CREATE TABLE statement.";
 constexpr const char* kBadField = "Syntax error in field definition.";
 constexpr const char* kBadAlter = "Syntax error in ALTER TABLE statement.";
 constexpr const char* kBadDrop = "Syntax error in DROP TABLE or DROP INDEX.";
+constexpr const char* kBadQuery = "Invalid SQL statement; only SELECT * FROM a table can be opened as a record set.";
 
 [[noreturn]] void fail(const char* text) { throw RuntimeError(err::SyntaxError, text); }
 
@@ -25,7 +26,7 @@ std::string upper(std::string_view s) {
     return r;
 }
 
-enum class Tok { Word, Bracketed, Number, LParen, RParen, Comma, Semicolon, End };
+enum class Tok { Word, Bracketed, Number, LParen, RParen, Comma, Semicolon, Star, End };
 
 struct Token {
     Tok kind;
@@ -41,8 +42,9 @@ public:
     explicit Lexer(std::string_view s) : s_(s) {}
 
     // Characters that no statement can contain (quotes, operators, dots) are a syntax
-    // error reported with the text of the statement being parsed.
-    Token next(const char* errorText) {
+    // error reported with the text of the statement being parsed; "*" is a token only
+    // where a query asks for it.
+    Token next(const char* errorText, bool starAllowed) {
         while (pos_ < s_.size() && std::isspace(static_cast<unsigned char>(s_[pos_]))) ++pos_;
         if (pos_ == s_.size()) return {Tok::End, {}};
         unsigned char c = static_cast<unsigned char>(s_[pos_]);
@@ -63,6 +65,9 @@ public:
         case ')': return {Tok::RParen, ")"};
         case ',': return {Tok::Comma, ","};
         case ';': return {Tok::Semicolon, ";"};
+        case '*':
+            if (!starAllowed) fail(errorText);
+            return {Tok::Star, "*"};
         case '[': {
             size_t close = s_.find(']', pos_);
             if (close == std::string_view::npos) fail(errorText);
@@ -94,8 +99,20 @@ public:
         fail(kBadStatement);
     }
 
+    SelectAll selectAll() {
+        errorText_ = kBadQuery;
+        advance();
+        if (keyword() != "SELECT") fail(kBadQuery);
+        advance(true);
+        expect(Tok::Star);
+        expectKeyword("FROM");
+        SelectAll query{name()};
+        finish();
+        return query;
+    }
+
 private:
-    void advance() { tok_ = lex_.next(errorText_); }
+    void advance(bool starAllowed = false) { tok_ = lex_.next(errorText_, starAllowed); }
 
     // The current token as an upper-case keyword, or "" when it is not a bare word.
     std::string keyword() const { return tok_.kind == Tok::Word ? upper(tok_.text) : std::string(); }
@@ -298,5 +315,7 @@ bool isReservedWord(std::string_view word) {
 }
 
 Statement parse(std::string_view text) { return Parser(text).statement(); }
+
+SelectAll parseSelectAll(std::string_view text) { return Parser(text).selectAll(); }
 
 }  // namespace jet::sql

@@ -1,7 +1,5 @@
 #include "jet/NewDatabase.h"
 
-#include <cctype>
-#include <cstdlib>
 #include <cstring>
 
 #include "format/CodePage.h"
@@ -24,7 +22,6 @@ namespace {
 constexpr uint32_t globalMapPage = 1;
 constexpr uint32_t globalMapOwner = 1;
 constexpr uint32_t inlineHeader = 5;
-constexpr uint16_t defaultCodePage = 1251;
 constexpr uint16_t jet4HeaderCodePage = 1252;
 
 // The fixed ids of the objects every database has.
@@ -182,24 +179,6 @@ void replaceDatabaseFile(Env& env, File& source, uint32_t pageSize, const std::s
 }
 
 }  // namespace
-
-uint16_t programCodePage() {
-    const char* env = std::getenv("SHEETWRIGHT_CODEPAGE");
-    if (!env || !*env) return defaultCodePage;
-    std::string name(env);
-    for (char& c : name) c = char(std::tolower(static_cast<unsigned char>(c)));
-    for (const char* prefix : {"windows-", "cp"})
-        if (name.rfind(prefix, 0) == 0) name.erase(0, std::strlen(prefix));
-    if (name.empty() || name.size() > 5 || name.find_first_not_of("0123456789") != std::string::npos)
-        return defaultCodePage;
-    const unsigned long number = std::stoul(name);
-    try {
-        CodePage::get(uint16_t(number));
-        return uint16_t(number);
-    } catch (const RuntimeError&) {
-        return defaultCodePage;
-    }
-}
 
 void createDatabase(const std::string& path, Version version, uint16_t codePage, Env& env) {
     const Format& f = Format::of(version);

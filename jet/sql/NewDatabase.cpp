@@ -10,6 +10,7 @@
 #include "jet/DateSerial.h"
 #include "pager/Pager.h"
 #include "sql/SystemTables.h"
+#include "table/Catalog.h"
 #include "table/CatalogWriter.h"
 #include "table/Database.h"
 #include "table/TableWriter.h"
@@ -24,13 +25,6 @@ constexpr uint32_t globalMapOwner = 1;
 constexpr uint32_t inlineHeader = 5;
 constexpr uint16_t jet4HeaderCodePage = 1252;
 
-// The fixed ids of the objects every database has.
-constexpr int32_t kTopLevel = 0x0F000000;
-constexpr int32_t kTables = 0x0F000001;
-constexpr int32_t kDatabases = 0x0F000002;
-constexpr int32_t kRelationships = 0x0F000003;
-constexpr int32_t kDatabaseObject = 0x10000000;
-constexpr int32_t kSystemFlags = INT32_MIN;  // 0x80000000
 
 // The built-in identities of the permission rows. Jet 3 files carry them as below; Jet 4
 // files carry the values that go with the reference creation date of Header::newPage.
@@ -113,14 +107,14 @@ void writeCatalogue(Database& db) {
                                                  {"DateCreate", Variant::date(now)},
                                                  {"DateUpdate", Variant::date(now)},
                                                  {"Owner", Variant::bytes(owner)},
-                                                 {"Flags", Variant::longValue(kSystemFlags)}}));
+                                                 {"Flags", Variant::longValue(int32_t(object_flag::System))}}));
     };
-    object(kTables, kTopLevel, "Tables", 3, sid.systemOwner);
-    object(kDatabases, kTopLevel, "Databases", 3, sid.systemOwner);
-    object(kRelationships, kTopLevel, "Relationships", 3, sid.systemOwner);
-    object(kDatabaseObject, kDatabases, "MSysDb", 2, sid.admin);
+    object(object_id::Tables, object_id::TopLevel, "Tables", object_type::Container, sid.systemOwner);
+    object(object_id::Databases, object_id::TopLevel, "Databases", object_type::Container, sid.systemOwner);
+    object(object_id::Relationships, object_id::TopLevel, "Relationships", object_type::Container, sid.systemOwner);
+    object(object_id::DatabaseObject, object_id::Databases, "MSysDb", object_type::Database, sid.admin);
     for (SystemTable st : kSystemTables)
-        object(int32_t(systemTablePage(st)), kTables, systemTableName(st), 1, sid.systemOwner);
+        object(int32_t(systemTablePage(st)), object_id::Tables, systemTableName(st), object_type::Table, sid.systemOwner);
 
     TableWriter& aces = t.table(systemTablePage(SystemTable::Aces), "MSysACEs");
     const auto ace = [&](int32_t id, const std::vector<uint8_t>& who, int32_t rights, bool inheritable) {
@@ -134,18 +128,18 @@ void writeCatalogue(Database& db) {
     ace(msysAces, sid.admin, 393216, false);
     ace(msysQueries, sid.admin, 393216, false);
     ace(msysRelationships, sid.admin, 917504, false);
-    ace(kTables, sid.limitedGroup, 983294, true);
-    ace(kTables, sid.admin, 393217, false);
-    ace(kRelationships, sid.limitedGroup, 983294, true);
-    ace(kRelationships, sid.admin, 393217, false);
-    ace(kDatabases, sid.admin, 393216, false);
-    ace(kDatabaseObject, sid.admin, 393230, false);
-    ace(kDatabaseObject, sid.fullGroup, 14, false);
+    ace(object_id::Tables, sid.limitedGroup, 983294, true);
+    ace(object_id::Tables, sid.admin, 393217, false);
+    ace(object_id::Relationships, sid.limitedGroup, 983294, true);
+    ace(object_id::Relationships, sid.admin, 393217, false);
+    ace(object_id::Databases, sid.admin, 393216, false);
+    ace(object_id::DatabaseObject, sid.admin, 393230, false);
+    ace(object_id::DatabaseObject, sid.fullGroup, 14, false);
     ace(msysQueries, sid.fullGroup, 20, false);
     ace(msysRelationships, sid.fullGroup, 20, false);
     ace(msysObjects, sid.fullGroup, 20, false);
-    ace(kTables, sid.fullGroup, 1048319, true);
-    ace(kRelationships, sid.fullGroup, 1048575, true);
+    ace(object_id::Tables, sid.fullGroup, 1048319, true);
+    ace(object_id::Relationships, sid.fullGroup, 1048575, true);
     t.commit();
 }
 

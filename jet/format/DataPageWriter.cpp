@@ -88,14 +88,4 @@ bool DataPageWriter::holdsNothing() const {
     return true;
 }
 
-unsigned DataPageWriter::liveRows() const {
-    const uint16_t n = view_.slotCount();
-    unsigned live = 0;
-    for (unsigned k = 0; k < n; ++k) {
-        uint16_t flags = view_.slotFlags(k);
-        if (flags != slot_flag::Deleted && flags != slot_flag::Moved) ++live;
-    }
-    return live;
-}
-
 }  // namespace jet

@@ -66,11 +66,6 @@ void IndexPage::appendEntries(const IndexPage& other, size_t from, size_t to) {
     }
 }
 
-void IndexPage::clearEntries() {
-    data_.clear();
-    ends_.clear();
-}
-
 IndexPage decodeIndexPage(const Format& f, const uint8_t* page, IndexPageLayout* layout) {
     IndexPage p;
     if (page[0] != page_type::IndexNode && page[0] != page_type::IndexLeaf)

@@ -2,6 +2,7 @@
 // text. These members arm no handler: an error of the record set reaches the caller.
 
 #include "engine/Table_Selection.h"
+#include "engine/ValueText.h"
 #include "engine/XDataBase.h"
 #include "host/VbConvert.h"
 #include "host/VbError.h"
@@ -10,11 +11,6 @@
 namespace engine {
 
 namespace {
-
-QString textOf(const jet::Variant& value)
-{
-    return QString::fromStdString(value.toString());
-}
 
 // A cell as string concatenation takes it: Null adds nothing.
 QString concatenated(const jet::Variant& value)

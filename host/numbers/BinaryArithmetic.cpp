@@ -1,7 +1,8 @@
 // Type 2: arbitrary-precision binary arithmetic through GMP and MPFR. Quotients stay exact
 // rationals (GMP) and are written exactly whenever their decimal expansion ends; the rest
-// is computed in MPFR with a guard precision and rounded to 257 bits before it is written
-// with kBinaryDigits digits.
+// is computed in MPFR with 336-bit significands and written with kBinaryDigits digits,
+// the digits of a 256-bit one. Writing from the wider value rounds once, so the last
+// digit is the nearest one and not off by the error of a second rounding.
 
 #include <boost/multiprecision/gmp.hpp>
 #include <boost/multiprecision/mpfr.hpp>
@@ -13,11 +14,10 @@ namespace host::numbers {
 namespace {
 
 using boost::multiprecision::mpq_rational;
-using Result = boost::multiprecision::number<boost::multiprecision::mpfr_float_backend<kBinaryDigits>>;
 using Working = boost::multiprecision::number<boost::multiprecision::mpfr_float_backend<100>>;
-static_assert(std::numeric_limits<Result>::digits >= 256);
+static_assert(std::numeric_limits<Working>::digits >= 256 + 64);
 
-DigitText digitTextOf(const Result& value)
+DigitText digitTextOf(const Working& value)
 {
     if (value == 0)
         return {};
@@ -67,7 +67,7 @@ public:
             exact.exponent = -int64_t(k);
             return exact.digitText();
         }
-        Result rounded;
+        Working rounded;
         mpfr_set_q(rounded.backend().data(), value.backend().data(), MPFR_RNDN);
         return digitTextOf(rounded);
     }
@@ -76,7 +76,7 @@ public:
     {
         Working value;
         mpfr_set_q(value.backend().data(), rationalOf(numerator, denominator).backend().data(), MPFR_RNDN);
-        return digitTextOf(Result(sqrt(value)));
+        return digitTextOf(Working(sqrt(value)));
     }
 
     void addFactor(const ExactNumber& number) override
@@ -97,7 +97,7 @@ public:
         const Working logarithm = (log(product_) + Working(binaryExponents_) * log(Working(2)) +
                                    Working(decimalExponents_) * log(Working(10))) /
                                   Working(count);
-        return digitTextOf(Result(exp(logarithm)));
+        return digitTextOf(Working(exp(logarithm)));
     }
 
     void addReciprocal(const ExactNumber& number) override
@@ -120,7 +120,7 @@ public:
         reciprocals_ += reciprocal;
     }
 
-    DigitText harmonicMean(uint64_t count) override { return digitTextOf(Result(Working(count) / reciprocals_)); }
+    DigitText harmonicMean(uint64_t count) override { return digitTextOf(Working(Working(count) / reciprocals_)); }
 
 private:
     Working product_ = 1;

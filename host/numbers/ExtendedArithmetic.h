@@ -3,7 +3,8 @@
 // (Decimal), but quotients, roots and the geometric and harmonic means are not, and each
 // type rounds them its own way. Type 1 rounds to kDecimalDigits significant decimal
 // digits; type 2 keeps exact rationals where their decimal expansion ends and otherwise
-// rounds to a binary significand of at least 256 bits.
+// computes with binary significands of more than 256 bits, written with the 77 digits a
+// 256-bit one carries.
 
 #include <cstdint>
 #include <memory>
@@ -33,7 +34,7 @@ public:
 };
 
 inline constexpr int kDecimalDigits = 50;
-// 257 bits, the first MPFR precision of at least 256 bits that Boost gives by digits.
+// floor(256 log10 2): the decimal digits a 256-bit significand carries.
 inline constexpr int kBinaryDigits = 77;
 
 std::unique_ptr<ExtendedArithmetic> makeDecimalArithmetic();

@@ -5,12 +5,17 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <cstdlib>
 #include <map>
+#include <tuple>
+#include <random>
+#include <regex>
 #include <string>
 #include <vector>
 
 #include <boost/multiprecision/cpp_dec_float.hpp>
+#include <boost/multiprecision/cpp_int.hpp>
 
 #include "host/numbers/NumberScan.h"
 #include "host/numbers/ResultText.h"
@@ -139,6 +144,30 @@ TEST(NumberScan, GivesTheDoubleTheCLibraryGivesAndMarksWhatDoublesCannotHold)
     ASSERT_TRUE(scanNumber(u"-1e400", huge) && scanNumber(u"1e-400", tiny));
     EXPECT_EQ(toDouble(huge, u"-1e400"), -HUGE_VAL);
     EXPECT_EQ(toDouble(tiny, u"1e-400"), 0.0);
+}
+
+TEST(NumberScan, AgreesWithAPatternAndStrtodOnRandomTexts)
+{
+    // The same rule written as a pattern, over texts made of the characters that matter.
+    const std::regex number(R"( *[+-]?([0-9]+[.,]?[0-9]*|[.,][0-9]+)([eE][+-]?[0-9]+)? *)");
+    const std::string alphabet = "0123456789000999+-.,eE x";
+    std::mt19937 random(7);
+    for (int i = 0; i < 20000; ++i) {
+        std::string text;
+        const int length = int(random() % 12);
+        for (int k = 0; k < length; ++k)
+            text += alphabet[random() % alphabet.size()];
+        SCOPED_TRACE(text);
+        const std::u16string wide(text.begin(), text.end());
+        ScannedNumber scanned;
+        const bool isNumber = std::regex_match(text, number);
+        ASSERT_EQ(scanNumber(wide, scanned), isNumber);
+        if (isNumber) {
+            std::string pointed = text;
+            std::replace(pointed.begin(), pointed.end(), ',', '.');
+            EXPECT_EQ(toDouble(scanned, wide), std::strtod(pointed.c_str(), nullptr));
+        }
+    }
 }
 
 TEST(ResultText, OrdinaryAsTheRunTimeWritesDoublesAndExtendedWithEveryDigit)
@@ -316,6 +345,73 @@ TEST(Statistics, ExactWhereDoublesCannotBe)
     }
     // Up to 2^53 the ordinary type writes its double.
     EXPECT_EQ(run(Statistic::Product, NumberType::Ordinary, counting(18)).text, "6.402373705728E+15");
+}
+
+TEST(Statistics, ExtendedTypesMatchExactRationalsOnRandomLists)
+{
+    // Reference values from Boost's own rationals (no GMP), each list written as texts
+    // in the forms cells take: plain, with a comma, with an exponent.
+    using Rational = boost::multiprecision::cpp_rational;
+    using Float = boost::multiprecision::number<boost::multiprecision::cpp_dec_float<120>>;
+    std::mt19937_64 random(11);
+    const auto decimalOf = [](const Rational& value) {
+        return Float(boost::multiprecision::numerator(value)) / Float(boost::multiprecision::denominator(value));
+    };
+    for (int round = 0; round < 150; ++round) {
+        Texts texts{}, positive{};
+        std::vector<Rational> values, positives;
+        const int count = 2 + int(random() % 25);
+        for (int i = 0; i < count; ++i) {
+            const int64_t mantissa = int64_t(random() % 2000001) - 1000000;
+            const int exponent = int(random() % 13) - 8;
+            for (const int64_t m : {mantissa, std::abs(mantissa) + 1}) {
+                Rational value = m;
+                for (int k = 0; k < std::abs(exponent); ++k)
+                    value = exponent < 0 ? Rational(value / 10) : Rational(value * 10);
+                const std::string text = i % 3 == 0 ? std::to_string(m) + "e" + std::to_string(exponent)
+                                                    : decimalOf(value).str(40, std::ios_base::fixed);
+                (m == mantissa ? values : positives).push_back(value);
+                (m == mantissa ? texts : positive).add(text);
+            }
+        }
+        Rational sum = 0;
+        for (const Rational& v : values)
+            sum += v;
+        const Rational n = int(values.size());
+        const Rational mean = sum / n;
+        Rational squares = 0, deviations = 0, reciprocals = 0;
+        Float logarithms = 0;
+        for (const Rational& v : values) {
+            squares += (v - mean) * (v - mean);
+            deviations += v < mean ? Rational(mean - v) : Rational(v - mean);
+        }
+        for (const Rational& v : positives) {
+            reciprocals += 1 / v;
+            logarithms += log(decimalOf(v));
+        }
+        std::vector<Rational> sorted = values;
+        std::sort(sorted.begin(), sorted.end());
+        const std::size_t half = sorted.size() / 2;
+        const Rational median = sorted.size() % 2 ? sorted[half] : Rational((sorted[half - 1] + sorted[half]) / 2);
+        const std::vector<std::tuple<Statistic, const Texts*, Float>> expected = {
+            {Statistic::Sum, &texts, decimalOf(sum)},
+            {Statistic::Median, &texts, decimalOf(median)},
+            {Statistic::Average, &texts, decimalOf(mean)},
+            {Statistic::Variance, &texts, decimalOf(squares / (n - 1))},
+            {Statistic::StandardDeviation, &texts, sqrt(decimalOf(squares / (n - 1)))},
+            {Statistic::AverageDeviation, &texts, decimalOf(deviations / n)},
+            {Statistic::HarmonicMean, &positive, decimalOf(n / reciprocals)},
+            {Statistic::GeometricMean, &positive, exp(logarithms / Float(count))}};
+        for (const auto& [statistic, list, exact] : expected) {
+            // Rounded to the nearest: within half a unit of the 50th or 77th digit.
+            for (const auto& [type, digits] : {std::pair(NumberType::Decimal, 50), std::pair(NumberType::Binary, 77)}) {
+                const std::string text = run(statistic, type, *list).text;
+                const double lead = std::floor(log10(abs(exact == 0 ? Float(1) : exact)).convert_to<double>());
+                const Float unit = pow(Float(10), Float(lead - digits + 1));
+                EXPECT_LE(abs(Float(text) - exact), unit / 2) << int(statistic) << " " << text;
+            }
+        }
+    }
 }
 
 TEST(Statistics, RefusalsGiveNoTextAndTheirReason)

@@ -2,10 +2,16 @@
 // type, against the floor: a loop that only reads the same texts as numbers (scan and
 // convert to double) and does nothing with them. The ratio is time / floor.
 //
-//   build/bench/statistics_bench [ITEMS] [RUNS] [TYPES]
+//   build/bench/statistics_bench [ITEMS] [RUNS] [TYPES] [ONLY]
 //
-// ITEMS defaults to 1000000, RUNS (default 3) runs of each are taken and the median kept,
-// TYPES is a list of number types such as "012" (default: all three). Every list has
+// ITEMS defaults to 1000000, RUNS (default 5) runs of each are taken and the median kept,
+// TYPES is a list of number types such as "012" (default: all three), ONLY keeps the
+// statistics whose name contains it ("SUM"). On a busy machine count instructions instead
+// of time: each statistic alone under callgrind, comparing the inclusive cost of
+// computeStatistic with that of parseOnly, the floor:
+//   valgrind --tool=callgrind --callgrind-out-file=cg.out build/bench/statistics_bench 200000 1 0 SUM
+//   callgrind_annotate --inclusive=yes cg.out | grep -E 'computeStatistic|parseOnly'
+// Every list has
 // about 5% texts that are not numbers (words, blanks), as real selections do.
 //   general   positive decimals with two places, some with a decimal comma
 //   near one  1 ± up to 0.0005, so that a product of a million stays within doubles
@@ -115,19 +121,23 @@ double medianSeconds(int runs, Work&& work)
     return times[times.size() / 2];
 }
 
+// The floor: reads every text as a number and does nothing else with it.
+__attribute__((noinline)) double parseOnly(const Texts& texts)
+{
+    ScannedNumber number;
+    double total = 0;
+    for (std::size_t i = 0; i < texts.size(); ++i) {
+        const std::u16string_view text = texts.text(i);
+        if (scanNumber(text, number))
+            total += toDouble(number, text);
+    }
+    return total;
+}
+
 double floorSeconds(const Texts& texts, int runs)
 {
     volatile double sink = 0;
-    return medianSeconds(runs, [&] {
-        ScannedNumber number;
-        double total = 0;
-        for (std::size_t i = 0; i < texts.size(); ++i) {
-            const std::u16string_view text = texts.text(i);
-            if (scanNumber(text, number))
-                total += toDouble(number, text);
-        }
-        sink = total;
-    });
+    return medianSeconds(runs, [&] { sink = parseOnly(texts); });
 }
 
 }  // namespace
@@ -135,32 +145,42 @@ double floorSeconds(const Texts& texts, int runs)
 int main(int argc, char** argv)
 {
     const std::size_t items = argc > 1 ? std::strtoull(argv[1], nullptr, 10) : 1000000;
-    const int runs = argc > 2 ? std::max(1, std::atoi(argv[2])) : 3;
+    const int runs = argc > 2 ? std::max(1, std::atoi(argv[2])) : 5;
     const std::string types = argc > 3 ? argv[3] : "012";
+    const std::string only = argc > 4 ? argv[4] : "";
     const char* typeNames[] = {"ordinary", "decimal", "binary"};
+    const char* shapeNames[] = {"general", "near one", "small", "sparse"};
 
-    std::vector<Texts> lists;
-    std::vector<double> floors;
-    for (Shape shape : {Shape::General, Shape::NearOne, Shape::Small, Shape::Sparse}) {
-        lists.push_back(generate(shape, items));
-        floors.push_back(floorSeconds(lists.back(), std::max(runs, 5)));
-    }
-    std::printf("%zu cell texts, median of %d runs; floor = scan and convert only\n", items, runs);
-    std::printf("floors: general %.1f ms, near one %.1f ms, small %.1f ms, sparse %.1f ms\n\n", floors[0] * 1e3,
-                floors[1] * 1e3, floors[2] * 1e3, floors[3] * 1e3);
-    std::printf("%-27s %-9s %11s %8s %9s  %s\n", "statistic", "type", "ms", "ratio", "digits", "result");
+    std::vector<const Row*> rows;
     for (const Row& row : kRows) {
-        const Texts& texts = lists[std::size_t(row.shape)];
-        const double floor = floors[std::size_t(row.shape)];
+        if (std::string(row.name).find(only) != std::string::npos)
+            rows.push_back(&row);
+    }
+    // Only the lists the chosen statistics read are made and timed.
+    std::vector<Texts> lists(4);
+    std::vector<double> floors(4, 0.0);
+    std::printf("%zu cell texts, median of %d runs; floor = scan and convert only\n", items, runs);
+    for (const Row* row : rows) {
+        const std::size_t shape = std::size_t(row->shape);
+        if (lists[shape].size() == 0) {
+            lists[shape] = generate(row->shape, items);
+            floors[shape] = floorSeconds(lists[shape], runs);
+            std::printf("floor %-9s %8.1f ms\n", shapeNames[shape], floors[shape] * 1e3);
+        }
+    }
+    std::printf("\n%-27s %-9s %11s %8s %9s  %s\n", "statistic", "type", "ms", "ratio", "digits", "result");
+    for (const Row* row : rows) {
+        const Texts& texts = lists[std::size_t(row->shape)];
+        const double floor = floors[std::size_t(row->shape)];
         for (char t : types) {
             const int type = t - '0';
             if (type < 0 || type > 2)
                 continue;
             StatisticResult result;
             const double time =
-                medianSeconds(runs, [&] { result = computeStatistic(row.statistic, NumberType(type), texts); });
+                medianSeconds(runs, [&] { result = computeStatistic(row->statistic, NumberType(type), texts); });
             const std::string shown = result.text.size() > 24 ? result.text.substr(0, 21) + "..." : result.text;
-            std::printf("%-27s %-9s %11.1f %8.2f %9zu  %s\n", row.name, typeNames[type], time * 1e3, time / floor,
+            std::printf("%-27s %-9s %11.1f %8.2f %9zu  %s\n", row->name, typeNames[type], time * 1e3, time / floor,
                         result.text.size(), result.refusal == Refusal::None ? shown.c_str() : descriptionOf(result.refusal));
             std::fflush(stdout);
         }

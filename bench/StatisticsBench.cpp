@@ -168,7 +168,7 @@ int main(int argc, char** argv)
             std::printf("floor %-9s %8.1f ms\n", shapeNames[shape], floors[shape] * 1e3);
         }
     }
-    std::printf("\n%-27s %-9s %11s %8s %9s  %s\n", "statistic", "type", "ms", "ratio", "digits", "result");
+    std::printf("\n%-27s %-9s %11s %8s %9s  %s\n", "statistic", "type", "ms", "ratio", "length", "result");
     for (const Row* row : rows) {
         const Texts& texts = lists[std::size_t(row->shape)];
         const double floor = floors[std::size_t(row->shape)];

@@ -4,6 +4,7 @@
 #include <algorithm>
 #include <cfloat>
 #include <cmath>
+#include <cstring>
 #include <vector>
 
 #include "host/numbers/NumberScan.h"
@@ -33,6 +34,48 @@ private:
     double sum_ = 0;
     double compensation_ = 0;
 };
+
+// The key that orders doubles as unsigned integers.
+uint64_t orderKey(double value)
+{
+    uint64_t bits = 0;
+    std::memcpy(&bits, &value, sizeof bits);
+    return bits >> 63 ? ~bits : bits | (uint64_t(1) << 63);
+}
+
+// The values of two ranks (0-based, low <= high) of an unordered list. A histogram of the
+// keys' top 16 bits narrows both ranks to a few buckets first, so only the numbers in
+// those are partitioned: two straight passes instead of a selection over everything,
+// whose unpredictable comparisons would cost more than reading the texts did.
+std::pair<double, double> ranksOf(std::vector<double>& values, std::size_t low, std::size_t high)
+{
+    constexpr int kShift = 48;
+    std::vector<uint32_t> counts(std::size_t(1) << (64 - kShift), 0);
+    for (double value : values)
+        ++counts[orderKey(value) >> kShift];
+    std::size_t before = 0;
+    std::size_t bucket = 0;
+    while (before + counts[bucket] <= low)
+        before += counts[bucket++];
+    const std::size_t firstBucket = bucket;
+    std::size_t upTo = before + counts[bucket];
+    while (upTo <= high)
+        upTo += counts[++bucket];
+    const std::size_t lastBucket = bucket;
+    std::vector<double> candidates;
+    candidates.reserve(upTo - before);
+    for (double value : values) {
+        const std::size_t b = orderKey(value) >> kShift;
+        if (b >= firstBucket && b <= lastBucket)
+            candidates.push_back(value);
+    }
+    const auto at = [&](std::size_t rank) {
+        std::nth_element(candidates.begin(), candidates.begin() + std::ptrdiff_t(rank - before), candidates.end());
+        return candidates[rank - before];
+    };
+    const double lowValue = at(low);
+    return {lowValue, low == high ? lowValue : at(high)};
+}
 
 // Calls visit(value, index) for each number of the list; a number out of the range of
 // doubles is refused. False when refused or when visit says stop.
@@ -109,12 +152,14 @@ private:
         });
     }
 
-    // Reads every number into `values`; false when refused.
-    bool collect(std::vector<double>& values)
+    // Reads every number into `values` (and their sum); false when refused.
+    bool collect(std::vector<double>& values, CompensatedSum* total = nullptr)
     {
         values.reserve(texts_.size());
         return each([&](double value, std::size_t) {
             values.push_back(value);
+            if (total)
+                total->add(value);
             return true;
         });
     }
@@ -206,13 +251,8 @@ private:
         if (values.empty())
             return refused(Refusal::NoNumbers);
         const std::size_t middle = values.size() / 2;
-        std::nth_element(values.begin(), values.begin() + std::ptrdiff_t(middle), values.end());
-        double value = values[middle];
-        if (values.size() % 2 == 0) {
-            const double lower = *std::max_element(values.begin(), values.begin() + std::ptrdiff_t(middle));
-            value = lower / 2 + value / 2;
-        }
-        return answer(value, count_);
+        const auto [lower, upper] = ranksOf(values, values.size() % 2 == 0 ? middle - 1 : middle, middle);
+        return answer(lower / 2 + upper / 2, count_);
     }
 
     StatisticResult extreme(bool maximum)
@@ -265,18 +305,16 @@ private:
 
     StatisticResult deviation(Statistic statistic)
     {
+        // The mean while reading, then the deviations from it in a second pass, which
+        // keeps the cancellation of the one-pass formula out.
         std::vector<double> values;
-        if (!collect(values))
+        CompensatedSum total;
+        if (!collect(values, &total))
             return refused(refusal_);
         if (values.empty())
             return refused(Refusal::NoNumbers);
         if (statistic != Statistic::AverageDeviation && values.size() < 2)
             return refused(Refusal::TooFewNumbers);
-        // Two passes: the mean first, then the deviations from it, which keeps the
-        // cancellation of the one-pass formula out.
-        CompensatedSum total;
-        for (double value : values)
-            total.add(value);
         const double n = double(values.size());
         const double mean = total.value() / n;
         CompensatedSum deviations;

@@ -281,6 +281,29 @@ TEST(Statistics, MedianMinAndMax)
     EXPECT_EQ(run(Statistic::Median, NumberType::Decimal, close).text, "1.00000000000000000000002");
 }
 
+TEST(Statistics, OrdinaryMedianIsTheMiddleOfTheSortedNumbers)
+{
+    std::mt19937_64 random(5);
+    for (int round = 0; round < 60; ++round) {
+        Texts texts{};
+        std::vector<double> values;
+        const std::size_t count = 1 + random() % (round < 50 ? 300 : 30000);
+        for (std::size_t i = 0; i < count; ++i) {
+            // Spread over many magnitudes and signs, or crowded into a narrow band.
+            const double value = round % 3 == 0 ? 1000.0 + double(random() % 100) / 1e9
+                                                : std::ldexp(double(int64_t(random() % 20001) - 10000), int(random() % 60) - 30);
+            char text[64];
+            std::snprintf(text, sizeof text, "%.17g", value);
+            texts.add(text);
+            values.push_back(std::strtod(text, nullptr));
+        }
+        std::sort(values.begin(), values.end());
+        const std::size_t middle = values.size() / 2;
+        const double expected = values.size() % 2 ? values[middle] : values[middle - 1] / 2 + values[middle] / 2;
+        EXPECT_EQ(run(Statistic::Median, NumberType::Ordinary, texts).text, ordinaryText(expected)) << count;
+    }
+}
+
 TEST(Statistics, DeviationsAndVariance)
 {
     expectAllTypes({

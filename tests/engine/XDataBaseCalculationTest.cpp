@@ -63,6 +63,10 @@ TEST_F(CalculationTest, EachIndexCallsItsStatisticInTheNumberTypeOfTheRegistry)
     EXPECT_EQ(db().Calculate(otherfk2, 12), "11.150097465886939571150097465886939571150097465887");
     EXPECT_EQ(db().Calculate(keys, 8), "8447342188747228169348532787200");
     EXPECT_EQ(db().Calculate(keys, 4), "13");
+    EXPECT_EQ(db().Calculate(otherfk2, 3), "11.199075710115776233329526650558692387869499048472");
+    setNumberType("2");
+    EXPECT_EQ(db().Calculate(otherfk2, 3),
+              "11.199075710115776233329526650558692387869499048472371642250501144675012738688");
 }
 
 TEST_F(CalculationTest, WithoutATableNothingIsAskedAndEverythingElseReachesTheCaller)

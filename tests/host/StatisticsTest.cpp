@@ -116,15 +116,17 @@ TEST(NumberScan, TakesAWholeTextAsToPointLeavesItAndNothingElse)
         const std::u16string text(c.text.begin(), c.text.end());
         ScannedNumber number;
         ASSERT_EQ(scanNumber(text, number), c.number);
-        if (c.number)
+        if (c.number) {
             EXPECT_EQ(toDouble(number, text), c.value);
+        }
         // The same verdict and value for the text after ToPoint.
         QString pointed = QString::fromStdString(c.text);
         const std::u16string afterToPoint = lang::ToPoint(pointed).toStdU16String();
         ScannedNumber again;
         EXPECT_EQ(scanNumber(afterToPoint, again), c.number);
-        if (c.number)
+        if (c.number) {
             EXPECT_EQ(toDouble(again, afterToPoint), c.value);
+        }
     }
 }
 

@@ -191,8 +191,8 @@ void WholeMultinomial::add(uint64_t k)
         product_.add(uint64_t(binomial));
         return;
     }
-    mpz_bin_uiui(binomial_.backend().data(), sum, j);
-    product_.add(binomial_);
+    mpz_set_ui(bigK_.backend().data(), sum);
+    addBinomial(bigK_, j);
 }
 
 void WholeMultinomial::add(const Integer& k)
@@ -221,8 +221,46 @@ void WholeMultinomial::addBinomialOfBigSum(const Integer& k)
     // The bit length of the sum bounds its logarithm from above.
     if (!addEstimate(double(mpz_sizeinbase(bigSum_.backend().data(), 2)), j.convert_to<double>()))
         return;
-    mpz_bin_ui(binomial_.backend().data(), bigSum_.backend().data(), mpz_get_ui(j.backend().data()));
+    addBinomial(bigSum_, mpz_get_ui(j.backend().data()));
+}
+
+void WholeMultinomial::addBinomial(const Integer& n, uint64_t j)
+{
+    // GMP's own works from the prime factors and is the fastest while n is small; for a
+    // larger n its cost grows with j squared, so the falling factorial n (n - 1) ... is
+    // built as a balanced tree and divided by j!. That numerator is refused when it
+    // would be far larger than any result allowed.
+    if (mpz_cmp_ui(n.backend().data(), kPrimeFactorLimit) <= 0) {
+        mpz_bin_uiui(binomial_.backend().data(), mpz_get_ui(n.backend().data()), j);
+    } else {
+        if (double(j) * double(mpz_sizeinbase(n.backend().data(), 2)) > 2.0 * double(kMaxResultBits)) {
+            tooLarge_ = true;
+            return;
+        }
+        fallingFactorial(binomial_, n, 0, j);
+        Integer factorial;
+        mpz_fac_ui(factorial.backend().data(), j);
+        mpz_divexact(binomial_.backend().data(), binomial_.backend().data(), factorial.backend().data());
+    }
     product_.add(binomial_);
+}
+
+void WholeMultinomial::fallingFactorial(Integer& out, const Integer& n, uint64_t from, uint64_t count)
+{
+    // (n - from) (n - from - 1) ... for count factors.
+    if (count <= 16) {
+        out = 1;
+        Integer factor;
+        for (uint64_t t = from; t < from + count; ++t) {
+            mpz_sub_ui(factor.backend().data(), n.backend().data(), t);
+            out *= factor;
+        }
+        return;
+    }
+    Integer right;
+    fallingFactorial(out, n, from, count / 2);
+    fallingFactorial(right, n, from + count / 2, count - count / 2);
+    out *= right;
 }
 
 Integer WholeMultinomial::result()

@@ -66,6 +66,11 @@ public:
 
 private:
     void addBinomialOfBigSum(const Integer& k);
+    // Multiplies in C(n, j), 0 < j <= n - j.
+    void addBinomial(const Integer& n, uint64_t j);
+    static void fallingFactorial(Integer& out, const Integer& n, uint64_t from, uint64_t count);
+
+    static constexpr unsigned long kPrimeFactorLimit = 1ul << 23;
     bool addEstimate(double log2Sum, double j);
 
     uint64_t sum_ = 0;

@@ -342,6 +342,13 @@ TEST(Statistics, WholeNumberStatisticsTruncateAndStayExact)
         {Statistic::Multinomial, &kFractions, "6046560", "6046560", "6046560"},
         {Statistic::GreatestCommonDivisor, &kTens, "10", "10", "10"},
     });
+    // Binomials of large numbers: C(10^8, 10^4), and C(10^20 + 3000, 3000) past 64 bits.
+    const auto digitsOfMultinomial = [](const Texts& texts) {
+        const std::string text = run(Statistic::Multinomial, NumberType::Decimal, texts).text;
+        return std::to_string(text.size()) + " " + text.substr(0, 25) + " " + text.substr(text.size() - 25);
+    };
+    EXPECT_EQ(digitsOfMultinomial({"99990000", "10000"}), "44341 2131045465794482936582866 9933704131193452826240000");
+    EXPECT_EQ(digitsOfMultinomial({"1e20", "3000"}), "50870 2410010448772669855476526 7379137654296875000000001");
 }
 
 TEST(Statistics, ExactWhereDoublesCannotBe)

@@ -37,7 +37,7 @@ std::vector<jet::Variant> userTablesOnly()
 }  // namespace
 
 XDataBase::XDataBase(host::Registry& registry, LoginGlobals login, QObject* parent)
-    : QObject(parent), login_(login), library_(std::make_unique<host::FunctionLibrary>())
+    : QObject(parent), login_(login), library_(std::make_unique<host::FunctionLibrary>(registry))
 {
     databaseFolder_ = registry.read(host::HKEY_LOCAL_MACHINE, host::keys::Database, QString());
     recordset_ = std::make_shared<jet::Recordset>();

@@ -13,6 +13,7 @@
 // of the record set on to the caller.
 
 #include <cstdint>
+#include <functional>
 #include <memory>
 #include <QObject>
 #include <QString>
@@ -25,6 +26,7 @@ namespace jet {
 class Connection;
 class Field;
 class Recordset;
+class Variant;
 }  // namespace jet
 namespace host {
 class FunctionLibrary;
@@ -121,6 +123,23 @@ public:
     QString CaptionOfField(int32_t index);
     void setCaptionOfField(int32_t index, const QString& text);
 
+    // ---- Calculation
+
+    // The statistic of that index (1 to 14, as the main window's commands number them)
+    // over the selected cells, computed by the function library in the number type it
+    // reports; "" without a current table or for another index. Errors of the record set
+    // (a Null cell is 94) and of the library reach the caller. The record set stays open
+    // on the last cell gathered.
+    QString Calculate(const Table_Selection& selection, int32_t index);
+    // The text of the column's greatest value by Val, the first of equals (so a text
+    // beginning with 10 beats one beginning with 9, and texts without a number count as
+    // 0). Re-opens the record set read-only and leaves it closed; "" after any error.
+    QString MaxValueOfField(const QString& fieldName);
+    // The least by the run time's comparison of the value with the best text so far,
+    // which compares texts even on a numeric column ("10" before "9"); Nulls are passed
+    // over. Otherwise as MaxValueOfField.
+    QString MinValueOfField(const QString& fieldName);
+
     // ---- Cell, row and column editing
 
     // Writes the cell of that 1-based row and sends every pending change with it.
@@ -179,6 +198,10 @@ private:
     // record set again; False on an error.
     bool alterCurrentTable(const QString& change);
     jet::Field field(const QString& name) const;
+    // Walks the column on a read-only record set, keeping the first value no later one is
+    // better than.
+    QString scanColumn(const QString& fieldName,
+                       const std::function<bool(const jet::Variant& value, const QString& best)>& better);
 
     LoginGlobals login_;
     QString databaseFolder_;

@@ -6,6 +6,8 @@
 //   sheetwright-cli load FILE TABLE CSVFILE         appends the CSV's rows: all of them or none
 //   sheetwright-cli create FILE --version 3|4       a new, empty database (Access 97 or 2000)
 //   sheetwright-cli sql FILE STATEMENT              runs CREATE TABLE, ALTER TABLE or DROP TABLE
+//   sheetwright-cli calc FILE TABLE RANGE STATISTIC [--type 0|1|2]
+//                                                   a statistic over ranges such as B2:C10,E2
 //
 // Any error ends the program with status 1 and one line on standard error; a wrong
 // command line gives status 2 and the usage.
@@ -17,6 +19,7 @@
 
 #include <fstream>
 
+#include "CalcCommand.h"
 #include "CsvExport.h"
 #include "CsvImport.h"
 #include "jet/Checker.h"
@@ -36,7 +39,9 @@ const char* usage =
     "       sheetwright-cli check FILE\n"
     "       sheetwright-cli load FILE TABLE CSVFILE\n"
     "       sheetwright-cli create FILE --version 3|4\n"
-    "       sheetwright-cli sql FILE STATEMENT\n";
+    "       sheetwright-cli sql FILE STATEMENT\n"
+    "       sheetwright-cli calc FILE TABLE RANGE STATISTIC [--type 0|1|2]\n"
+    ;
 
 // The newer provider opens both formats.
 void openFile(jet::Connection& cn, const std::string& file) {
@@ -129,6 +134,7 @@ int main(int argc, char** argv) {
         if (command == "load") return load(args);
         if (command == "create") return create(args);
         if (command == "sql") return sql(args);
+        if (command == "calc") return sheetwright::cli::calc(args);
         std::cerr << "sheetwright-cli: unknown command '" << command << "'\n" << usage;
         return 2;
     } catch (const std::invalid_argument& e) {

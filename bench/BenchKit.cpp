@@ -12,10 +12,10 @@
 #include <unistd.h>
 
 #include "jet/Connection.h"
-#include "jet/Database.h"
+#include "table/Database.h"
 #include "jet/NewDatabase.h"
-#include "jet/TableWriter.h"
-#include "jet/Transaction.h"
+#include "table/TableWriter.h"
+#include "table/Transaction.h"
 
 namespace bench {
 

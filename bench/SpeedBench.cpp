@@ -26,10 +26,10 @@
 
 #include "BenchKit.h"
 #include "jet/Connection.h"
-#include "jet/Database.h"
+#include "table/Database.h"
 #include "jet/Recordset.h"
-#include "jet/TableWriter.h"
-#include "jet/Transaction.h"
+#include "table/TableWriter.h"
+#include "table/Transaction.h"
 
 namespace fs = std::filesystem;
 using Clock = std::chrono::steady_clock;

@@ -4,8 +4,8 @@
 // (surrogates). The checker test rebuilds every Jet 4 index of the fixtures byte for byte.
 #include <gtest/gtest.h>
 
-#include "jet/IndexTextCodes.h"
-#include "jet/IndexTextKey.h"
+#include "index/IndexTextCodes.h"
+#include "index/IndexTextKey.h"
 #include "testkit/TestFiles.h"
 
 namespace {

@@ -181,8 +181,8 @@ void TableWriter::rewrite(RowLocation at, const std::vector<std::pair<size_t, Va
     const auto& columns = def_->columns();
     const Format& f = db_.format();
     const std::vector<uint8_t> oldRow = [&] {
-        auto bytes = db_.rowBytes(at, def_->page());
-        return std::vector<uint8_t>(bytes.begin(), bytes.end());
+        const PinnedRow stored = db_.rowBytes(at, def_->page());
+        return std::vector<uint8_t>(stored.bytes.begin(), stored.bytes.end());
     }();
     const RowReader before(f, *def_, oldRow);
     std::vector<Variant> converted(columns.size());
@@ -260,8 +260,8 @@ void TableWriter::removeLongValues(std::span<const uint8_t> row) {
 }
 
 void TableWriter::relayOut(RowLocation at, uint16_t varColumnsWritten) {
-    const auto stored = db_.rowBytes(at, def_->page());
-    const std::vector<uint8_t> oldRow(stored.begin(), stored.end());
+    const PinnedRow stored = db_.rowBytes(at, def_->page());
+    const std::vector<uint8_t> oldRow(stored.bytes.begin(), stored.bytes.end());
     const RowReader before(db_.format(), varColumnsWritten, oldRow);
     std::vector<StoredValue> values(def_->columns().size());
     for (size_t i = 0; i < values.size(); ++i) {
@@ -274,8 +274,8 @@ void TableWriter::relayOut(RowLocation at, uint16_t varColumnsWritten) {
 
 void TableWriter::remove(RowLocation at) {
     const std::vector<uint8_t> oldRow = [&] {
-        auto bytes = db_.rowBytes(at, def_->page());
-        return std::vector<uint8_t>(bytes.begin(), bytes.end());
+        const PinnedRow stored = db_.rowBytes(at, def_->page());
+        return std::vector<uint8_t>(stored.bytes.begin(), stored.bytes.end());
     }();
     IndexPlan plan = indexes_->planDelete(oldRow, indexPointer(at));
     indexes_->apply(plan);

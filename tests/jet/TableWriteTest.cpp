@@ -370,6 +370,70 @@ TEST_P(Growth, ThousandsOfRowsSplitTheIndexAndOutgrowInlineMaps) {
     EXPECT_EQ(before + 3000, s.rs.RecordCount());
 }
 
+TEST(TableWrite, AConnectionTransactionHoldsManyChangesAndUndoesAllOfThem) {
+    Session s = Session::onCopyOf("testIndexPropertiesV2003.mdb");
+    const std::string original = readAll(s.path);
+    EXPECT_EQ(jet::err::NoTransaction, errorNumberOf([&] { s.cn.CommitTrans(); }));
+    EXPECT_EQ(jet::err::NoTransaction, errorNumberOf([&] { s.cn.RollbackTrans(); }));
+    auto addRow = [&](const std::string& row, const std::string& data) {
+        s.rs.AddNew();
+        s.field("row").setValue(Variant::string(row));
+        s.field("data").setValue(Variant::string(data));
+        s.rs.Update();
+    };
+
+    // Changes wait in the transaction and show in the record set; a rollback undoes them,
+    // and the rows it added stay in the record set as rows that are gone.
+    s.open("TableUnique1_temp", 1, 3);
+    const int32_t rows = s.rs.RecordCount();
+    EXPECT_EQ(1, s.cn.BeginTrans());
+    EXPECT_EQ(jet::err::TransactionOpen, errorNumberOf([&] { s.cn.BeginTrans(); }));
+    addRow("t1", "first");
+    addRow("t2", "second");
+    s.rs.MoveFirst();
+    s.field("data").setValue(Variant::string("changed"));
+    s.rs.Update();
+    EXPECT_EQ(rows + 2, s.rs.RecordCount());
+    EXPECT_EQ(original, readAll(s.path)) << "nothing reaches the file before the commit";
+    s.cn.RollbackTrans();
+    EXPECT_EQ(rows + 2, s.rs.RecordCount());
+    s.rs.MoveLast();
+    EXPECT_EQ(jet::err::DeletedRow, errorNumberOf([&] { s.text("data"); }));
+    s.rs.Delete(1);
+    s.rs.MoveFirst();
+    EXPECT_EQ("stuff", s.text("data"));
+
+    // A refused change undoes the whole transaction at once and fails it.
+    s.cn.BeginTrans();
+    addRow("t1", "first");
+    EXPECT_NE(0, s.errorOf("CREATE TABLE inside (a LONG)")) << "no design change inside a transaction";
+    EXPECT_EQ(jet::err::IntegrityViolation, errorNumberOf([&] { addRow("t3", "stuff"); }));
+    s.rs.CancelUpdate();
+    s.rs.MoveLast();
+    EXPECT_EQ(jet::err::DeletedRow, errorNumberOf([&] { s.text("row"); })) << "t1 is gone";
+    EXPECT_NE(std::string::npos, errorOf([&] { addRow("t4", "later"); }).find("RollbackTrans"));
+    s.rs.CancelUpdate();
+    EXPECT_NE(std::string::npos, errorOf([&] { s.cn.CommitTrans(); }).find("rolled back"));
+    EXPECT_EQ(jet::err::NoTransaction, errorNumberOf([&] { s.cn.RollbackTrans(); }));
+
+    // Closing the connection rolls an open transaction back; a commit writes all of it.
+    s.cn.BeginTrans();
+    addRow("t1", "first");
+    EXPECT_TRUE(unchangedSince(s, original));
+    s.reopen();
+    s.open("TableUnique1_temp", 1, 3);
+    s.cn.BeginTrans();
+    for (int i = 0; i < 300; ++i) addRow("many " + std::to_string(i), "data " + std::to_string(i));
+    s.cn.CommitTrans();
+    s.close();
+    s.reopen();
+    s.open("TableUnique1_temp");
+    EXPECT_EQ(rows + 300, s.rs.RecordCount());
+    s.expectClean();
+    s.close();
+    EXPECT_FALSE(std::filesystem::exists(s.path + "-journal"));
+}
+
 TEST(TableWrite, AutoNumbersCountOnAndAnExplicitLargerValueRaisesTheCounter) {
     Session s = Session::onCopyOf("testV2000.mdb");
     auto table = s.cn.database()->openTable("Table3");

@@ -28,7 +28,8 @@ Variant TableRecordSource::value(size_t row, size_t field) const {
     dropRowsOfRolledBackTransaction();
     const uint32_t id = rows_[row];
     if (gone_.count(id)) throw goneError();
-    if (auto it = pending_.find(id); it != pending_.end() && it->second[field]) return *it->second[field];
+    if (!pending_.empty())
+        if (auto it = pending_.find(id); it != pending_.end() && it->second[field]) return *it->second[field];
     const Column& c = table_->def().columns()[field];
     if (id >= firstNewId) return c.type() == ColumnType::Bool ? Variant::boolean(false) : Variant::null();
     if (cachedRow_ != row) {

@@ -33,6 +33,20 @@ std::u16string decodeJet4Text(std::span<const uint8_t> bytes) {
 
 std::string decodeText(Version version, const CodePage& codePage, std::span<const uint8_t> bytes) {
     if (version == Version::Jet3) return codePage.toUtf8(bytes);
+    // Text of ASCII characters alone, the most common kind, takes a short way.
+    if (bytes.size() >= 2 && bytes[0] == 0xFF && bytes[1] == 0xFE) {
+        bool ascii = true;
+        for (size_t i = 2; i < bytes.size() && ascii; ++i) ascii = bytes[i] != 0 && bytes[i] < 0x80;
+        if (ascii) return std::string(bytes.begin() + 2, bytes.end());
+    } else if (bytes.size() % 2 == 0) {
+        std::string out(bytes.size() / 2, '\0');
+        bool ascii = true;
+        for (size_t k = 0; k < out.size() && ascii; ++k) {
+            ascii = bytes[2 * k + 1] == 0 && bytes[2 * k] < 0x80;
+            out[k] = char(bytes[2 * k]);
+        }
+        if (ascii) return out;
+    }
     return utf16ToUtf8(decodeJet4Text(bytes));
 }
 

@@ -238,8 +238,9 @@ PageFrame* Pager::frame(uint32_t n) {
     requireUsable();
     if (n >= pageCount_)
         throw CorruptError("page " + std::to_string(n) + " lies beyond the end of the file");
+    if (last_ && last_->number == n) return last_;
     auto it = frames_.find(n);
-    if (it != frames_.end()) return it->second.get();
+    if (it != frames_.end()) return last_ = it->second.get();
     // Pages appended in this transaction are dirty and never leave the cache, so this one
     // is on disk.
     PageFrame* f = newFrame(n);
@@ -249,7 +250,7 @@ PageFrame* Pager::frame(uint32_t n) {
         drop(f);
         throw;
     }
-    return f;
+    return last_ = f;
 }
 
 // A clean, unpinned frame for page n with undefined contents; it makes room first.
@@ -327,6 +328,7 @@ void Pager::drop(PageFrame* f) {
         unlinkLru(f);
         --cleanPages_;
     }
+    if (last_ == f) last_ = nullptr;
     auto it = frames_.find(f->number);
     spare_.push_back(std::move(it->second->bytes));
     if (spare_.size() > 4) spare_.erase(spare_.begin());

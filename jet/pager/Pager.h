@@ -232,6 +232,7 @@ private:
     JournalRecovery recovery_;
 
     std::unordered_map<uint32_t, std::unique_ptr<PageFrame>> frames_;
+    PageFrame* last_ = nullptr;    // the page asked for last, found without a lookup
     PageFrame* oldest_ = nullptr;  // unpinned clean pages, least recently used first
     PageFrame* newest_ = nullptr;
     size_t cleanPages_ = 0;

@@ -55,6 +55,11 @@ TableWriter::TableWriter(const Database& db, std::shared_ptr<const TableDef> def
 
 TableWriter::~TableWriter() = default;
 
+void TableWriter::flush() {
+    indexes_->flush();
+    counters_.flush();
+}
+
 Variant TableWriter::convert(size_t column, const Variant& value) const {
     const Column& c = def_->columns().at(column);
     return convertForColumn(c, value, db_.version(), db_.codePageOf(c));
@@ -98,7 +103,7 @@ StoredValue TableWriter::store(size_t column, const Variant& v, bool keepInline,
 }
 
 // The row's bytes; when inline long values make it too large, they move out of the row.
-std::vector<uint8_t> TableWriter::layOut(std::vector<StoredValue>& values, const std::vector<Variant>& converted,
+std::vector<uint8_t> TableWriter::layOut(std::vector<StoredValue>& values, const std::vector<const Variant*>& converted,
                                          std::vector<std::vector<uint8_t>>& written) {
     try {
         return encodeRow(db_.format(), *def_, values);
@@ -107,8 +112,8 @@ std::vector<uint8_t> TableWriter::layOut(std::vector<StoredValue>& values, const
         for (size_t i = 0; i < values.size(); ++i) {
             const Column& c = def_->columns()[i];
             if (!c.isLongValue() || !values[i].present || values[i].bytes.size() <= LongValueWriter::headerSize) continue;
-            if (longValueHeader(values[i].bytes).kind != long_value_kind::Inline || converted[i].isEmpty()) continue;
-            values[i] = store(i, converted[i], false, written);
+            if (longValueHeader(values[i].bytes).kind != long_value_kind::Inline || !converted[i]) continue;
+            values[i] = store(i, *converted[i], false, written);
             moved = true;
         }
         if (!moved) throw;
@@ -119,11 +124,15 @@ std::vector<uint8_t> TableWriter::layOut(std::vector<StoredValue>& values, const
 RowLocation TableWriter::insert(const std::vector<Variant>& given) {
     const auto& columns = def_->columns();
     if (given.size() != columns.size()) throw std::invalid_argument("TableWriter::insert: one value per column");
+    // Each value as it is stored: the given one when it needs no conversion, else its
+    // converted copy.
     std::vector<Variant> converted(columns.size());
+    std::vector<const Variant*> value(columns.size());
     uint32_t counter = counters_.autoNumber();
     for (size_t i = 0; i < columns.size(); ++i) {
         const Column& c = columns[i];
         const bool absent = given[i].isEmpty() || given[i].isNull();
+        value[i] = &converted[i];
         if (c.isAutoNumber() && c.type() == ColumnType::Long) {
             if (absent) {
                 if (counter == uint32_t(INT32_MAX)) throw cannotChange(c, "has run out of AutoNumber values");
@@ -143,12 +152,15 @@ RowLocation TableWriter::insert(const std::vector<Variant>& given) {
             converted[i] = Variant::null();
             continue;
         }
-        converted[i] = convert(i, given[i]);
+        if (alreadyConverted(c, given[i], db_.version()))
+            value[i] = &given[i];
+        else
+            converted[i] = convert(i, given[i]);
     }
     std::vector<std::vector<uint8_t>> written;
     std::vector<StoredValue> values(columns.size());
-    for (size_t i = 0; i < columns.size(); ++i) values[i] = store(i, converted[i], true, written);
-    std::vector<uint8_t> row = layOut(values, converted, written);
+    for (size_t i = 0; i < columns.size(); ++i) values[i] = store(i, *value[i], true, written);
+    std::vector<uint8_t> row = layOut(values, value, written);
 
     const uint32_t page = rows_.pageFor(uint32_t(row.size()));
     const RowLocation at{page, uint8_t(DataPage(db_.format(), db_.pager().read(page)).slotCount())};
@@ -208,7 +220,10 @@ void TableWriter::rewrite(RowLocation at, const std::vector<std::pair<size_t, Va
         values[i].present = old.present;
         values[i].bytes.assign(old.bytes.begin(), old.bytes.end());
     }
-    std::vector<uint8_t> row = layOut(values, converted, written);
+    std::vector<const Variant*> changedValues(columns.size(), nullptr);
+    for (size_t i = 0; i < columns.size(); ++i)
+        if (changed[i]) changedValues[i] = &converted[i];
+    std::vector<uint8_t> row = layOut(values, changedValues, written);
     IndexPlan plan = indexes_->planUpdate(oldRow, row, indexPointer(at));
     place(at, row);
     indexes_->apply(plan);

@@ -67,11 +67,14 @@ public:
     // have no variable section, which readers of a table that has one would misparse.
     // Keys stay the same, so no index changes.
     void relayOut(RowLocation row, uint16_t varColumnsWritten);
+    // Writes the indexes' changed pages and the definition's counters back to the pager;
+    // the transaction calls it before it commits (IndexMaintainer.h, TableDefWriter.h).
+    void flush();
 
 private:
     void rewrite(RowLocation row, const std::vector<std::pair<size_t, Variant>>& changes);
     StoredValue store(size_t column, const Variant& value, bool keepInline, std::vector<std::vector<uint8_t>>& written);
-    std::vector<uint8_t> layOut(std::vector<StoredValue>& values, const std::vector<Variant>& converted,
+    std::vector<uint8_t> layOut(std::vector<StoredValue>& values, const std::vector<const Variant*>& converted,
                                 std::vector<std::vector<uint8_t>>& written);
     Variant convert(size_t column, const Variant& value) const;
     LongValueWriter& longValues(const Column& column);

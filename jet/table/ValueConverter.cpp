@@ -1,6 +1,7 @@
 #include "table/ValueConverter.h"
 
 #include <cctype>
+#include <charconv>
 #include <cfloat>
 #include <cmath>
 #include <cstdlib>
@@ -37,22 +38,23 @@ struct ExactNumber {
     bool negative = false;
     u128 digits = 0;
     int exponent = 0;
-    std::string normalized;  // for strtod: "." as separator
+    std::string_view text;       // the number as typed, trimmed (empty when it was not typed)
+    size_t separatorAt = 0;      // where its decimal separator is (separatorLength 0: none)
+    size_t separatorLength = 0;
 };
 
 std::optional<ExactNumber> parseNumber(std::string_view s, const std::string& separator) {
     s = trim(s);
     ExactNumber n;
+    n.text = s;
     size_t i = 0;
     if (i < s.size() && (s[i] == '+' || s[i] == '-')) n.negative = s[i++] == '-';
-    if (n.negative) n.normalized += '-';
     bool anyDigit = false, inFraction = false;
     int dropped = 0;  // digits beyond what 128 bits hold, before the separator
     while (i < s.size()) {
         char ch = s[i];
-        if (std::isdigit(static_cast<unsigned char>(ch))) {
+        if (ch >= '0' && ch <= '9') {
             anyDigit = true;
-            n.normalized += ch;
             if (n.digits < (u128(1) << 120) / 10) {
                 n.digits = n.digits * 10 + u128(ch - '0');
                 if (inFraction) --n.exponent;
@@ -60,10 +62,11 @@ std::optional<ExactNumber> parseNumber(std::string_view s, const std::string& se
                 ++dropped;
             }
             ++i;
-        } else if (!inFraction && (s.substr(i, separator.size()) == separator || ch == '.')) {
+        } else if (!inFraction && (ch == '.' || s.substr(i, separator.size()) == separator)) {
             inFraction = true;
-            n.normalized += '.';
-            i += ch == '.' ? 1 : separator.size();
+            n.separatorAt = i;
+            n.separatorLength = ch == '.' ? 1 : separator.size();
+            i += n.separatorLength;
         } else {
             break;
         }
@@ -80,9 +83,6 @@ std::optional<ExactNumber> parseNumber(std::string_view s, const std::string& se
             if (e < 10000) e = e * 10 + (s[j] - '0');
             ++j;
         }
-        n.normalized += 'e';
-        n.normalized += negExp ? '-' : '+';
-        n.normalized += std::to_string(e);
         n.exponent += negExp ? -e : e;
         i = j;
     }
@@ -114,7 +114,22 @@ std::optional<u128> scaledMagnitude(const ExactNumber& n, int scale) {
     return v;
 }
 
-double toDouble(const ExactNumber& n) { return std::strtod(n.normalized.c_str(), nullptr); }
+double toDouble(const ExactNumber& n) {
+    // The text as the C library reads it: no '+' sign, "." as the separator.
+    std::string_view t = n.text;
+    const size_t sign = !t.empty() && t[0] == '+' ? 1 : 0;
+    std::string rewritten;
+    if (n.separatorLength > 0 && !(n.separatorLength == 1 && t[n.separatorAt] == '.')) {
+        rewritten.assign(t.substr(0, n.separatorAt));
+        rewritten += '.';
+        rewritten.append(t.substr(n.separatorAt + n.separatorLength));
+        t = rewritten;
+    }
+    t.remove_prefix(sign);
+    double x = 0;
+    if (std::from_chars(t.data(), t.data() + t.size(), x).ec == std::errc()) return x;
+    return std::strtod(std::string(t).c_str(), nullptr);  // beyond a double's range: infinity or zero
+}
 
 bool equalsWord(std::string_view s, std::string_view word) { return equalsIgnoreCase(s, word); }
 
@@ -254,7 +269,9 @@ std::optional<ExactNumber> exactOf(const Variant& v, const Locale& locale) {
         char buf[64];
         // Single keeps its 7 significant digits, so 0.1f becomes 0.1 and not 0.100000001.
         std::snprintf(buf, sizeof buf, v.type() == Variant::Type::Single ? "%.7g" : "%.17g", x);
-        return parseNumber(buf, ".");
+        auto n = parseNumber(buf, ".");
+        if (n) n->text = {};  // the digits are all that is needed; the buffer goes now
+        return n;
     }
     default: {
         double x = numericValue(v);
@@ -314,7 +331,7 @@ Variant convertText(const Column& c, const Variant& v, Version version, const Co
             refuse(c, "the text has " + std::to_string(bytes->size()) + " characters, the column holds at most " +
                           std::to_string(c.length));
     } else if (c.type() == ColumnType::Text) {
-        size_t units = utf8ToUtf16(text).size();
+        size_t units = utf16Length(text);
         if (units * 2 > c.length)
             refuse(c, "the text has " + std::to_string(units) + " characters, the column holds at most " +
                           std::to_string(c.length / 2));
@@ -345,6 +362,30 @@ bool guidBytes(std::string_view s, uint8_t out[16]) {
     const int order[16] = {3, 2, 1, 0, 5, 4, 7, 6, 8, 9, 10, 11, 12, 13, 14, 15};
     for (int i = 0; i < 16; ++i) out[i] = raw[order[i]];
     return true;
+}
+
+bool alreadyConverted(const Column& c, const Variant& v, Version version) {
+    using T = Variant::Type;
+    switch (c.type()) {
+    case ColumnType::Bool: return v.type() == T::Boolean;
+    case ColumnType::Byte: return v.type() == T::Byte;
+    case ColumnType::Int: return v.type() == T::Integer;
+    case ColumnType::Long: return v.type() == T::Long;
+    case ColumnType::Money: return v.type() == T::Currency;
+    case ColumnType::Double: return v.type() == T::Double && std::isfinite(v.asDouble());
+    case ColumnType::DateTime: return v.type() == T::Date && v.asDate() >= -657434.0 && v.asDate() < 2958466.0;
+    case ColumnType::Text:
+    case ColumnType::Memo:
+        // Jet 4 text needs no code page; its length in UTF-16 units is checked here.
+        return v.type() == T::String && version == Version::Jet4 &&
+               (c.type() == ColumnType::Memo || utf16Length(v.asString()) * 2 <= c.length);
+    default: return false;
+    }
+}
+
+Variant convertForColumn(const Column& c, const Variant& v, Version version, const CodePage& codePage) {
+    if (alreadyConverted(c, v, version)) return v;
+    return convertForColumn(c, v, version, codePage, Locale::current());
 }
 
 Variant convertForColumn(const Column& c, const Variant& v, Version version, const CodePage& codePage,

@@ -470,7 +470,7 @@ void Pager::commit() {
         startJournal();
         journal_->seal();
         step = Step::Database;
-        for (const PageFrame* f : pages) file_->writeAt(uint64_t(f->number) * pageSize_, {f->bytes.get(), pageSize_});
+        writePages(pages);
         file_->sync();
         step = Step::RemoveJournal;
         env_->remove(journalPath);
@@ -494,6 +494,25 @@ void Pager::commit() {
     for (PageFrame* f : dirty_) makeClean(f);
     dirty_.clear();
     endTransaction();
+}
+
+// Writes pages (in page order) to the database, runs of neighbours in one write each.
+void Pager::writePages(const std::vector<PageFrame*>& pages) {
+    constexpr size_t maxRun = 64;
+    std::vector<uint8_t> run;
+    for (size_t i = 0; i < pages.size();) {
+        size_t n = 1;
+        while (i + n < pages.size() && n < maxRun && pages[i + n]->number == pages[i]->number + n) ++n;
+        const uint64_t offset = uint64_t(pages[i]->number) * pageSize_;
+        if (n == 1) {
+            file_->writeAt(offset, {pages[i]->bytes.get(), pageSize_});
+        } else {
+            run.resize(n * pageSize_);
+            for (size_t k = 0; k < n; ++k) std::memcpy(run.data() + k * pageSize_, pages[i + k]->bytes.get(), pageSize_);
+            file_->writeAt(offset, run);
+        }
+        i += n;
+    }
 }
 
 void Pager::restoreFile(bool journalOnDisk) {

@@ -215,6 +215,7 @@ private:
     void requireTransaction(const char* action) const;
     void requireUsable() const;
     std::vector<PageFrame*> dirtyInPageOrder() const;
+    void writePages(const std::vector<PageFrame*>& pages);
     void restoreFile(bool journalOnDisk);
     void restoreMemory(bool fileRestored) noexcept;
     void startJournal();

@@ -76,30 +76,29 @@ LongValueWriter& TableWriter::longValues(const Column& c) {
     return *writer;
 }
 
-// The stored form of one converted value. Long values go inline when short enough and
-// `keepInline`; otherwise onto long-value pages (recorded in `written`).
-StoredValue TableWriter::store(size_t column, const Variant& v, bool keepInline,
-                               std::vector<std::vector<uint8_t>>& written) {
+// The stored form of one converted value into `out` (its room reused). Long values go
+// inline when short enough and `keepInline`; otherwise onto long-value pages (recorded in
+// `written`).
+void TableWriter::store(size_t column, const Variant& v, bool keepInline, std::vector<std::vector<uint8_t>>& written,
+                        StoredValue& out) {
     const Column& c = def_->columns()[column];
-    StoredValue out;
+    out.present = false;
+    out.bytes.clear();
     if (c.type() == ColumnType::Bool) {
         out.present = v.asBool();
-        return out;
+        return;
     }
-    if (v.isNull()) return out;
+    if (v.isNull()) return;
     out.present = true;
-    std::vector<uint8_t> bytes = encodeValue(c, v, db_.version(), db_.codePageOf(c));
-    if (!c.isLongValue()) {
-        out.bytes = std::move(bytes);
-        return out;
-    }
+    encodeValue(c, v, db_.version(), db_.codePageOf(c), out.bytes);
+    if (!c.isLongValue()) return;
+    const std::vector<uint8_t> bytes = std::move(out.bytes);
     if (keepInline && bytes.size() <= LongValueWriter::maxInline) {
         out.bytes = LongValueWriter::inlineField(bytes);
     } else {
         out.bytes = longValues(c).store(bytes);
         written.push_back(out.bytes);
     }
-    return out;
 }
 
 // The row's bytes; when inline long values make it too large, they move out of the row.
@@ -113,7 +112,7 @@ std::vector<uint8_t> TableWriter::layOut(std::vector<StoredValue>& values, const
             const Column& c = def_->columns()[i];
             if (!c.isLongValue() || !values[i].present || values[i].bytes.size() <= LongValueWriter::headerSize) continue;
             if (longValueHeader(values[i].bytes).kind != long_value_kind::Inline || !converted[i]) continue;
-            values[i] = store(i, *converted[i], false, written);
+            store(i, *converted[i], false, written, values[i]);
             moved = true;
         }
         if (!moved) throw;
@@ -125,9 +124,13 @@ RowLocation TableWriter::insert(const std::vector<Variant>& given) {
     const auto& columns = def_->columns();
     if (given.size() != columns.size()) throw std::invalid_argument("TableWriter::insert: one value per column");
     // Each value as it is stored: the given one when it needs no conversion, else its
-    // converted copy.
-    std::vector<Variant> converted(columns.size());
-    std::vector<const Variant*> value(columns.size());
+    // converted copy. The lists are the writer's, so that a row costs no allocation for them.
+    std::vector<Variant>& converted = converted_;
+    std::vector<const Variant*>& value = value_;
+    std::vector<StoredValue>& values = stored_;
+    converted.assign(columns.size(), Variant());
+    value.assign(columns.size(), nullptr);
+    values.resize(columns.size());
     uint32_t counter = counters_.autoNumber();
     for (size_t i = 0; i < columns.size(); ++i) {
         const Column& c = columns[i];
@@ -158,8 +161,7 @@ RowLocation TableWriter::insert(const std::vector<Variant>& given) {
             converted[i] = convert(i, given[i]);
     }
     std::vector<std::vector<uint8_t>> written;
-    std::vector<StoredValue> values(columns.size());
-    for (size_t i = 0; i < columns.size(); ++i) values[i] = store(i, *value[i], true, written);
+    for (size_t i = 0; i < columns.size(); ++i) store(i, *value[i], true, written, values[i]);
     std::vector<uint8_t> row = layOut(values, value, written);
 
     const uint32_t page = rows_.pageFor(uint32_t(row.size()));
@@ -209,7 +211,7 @@ void TableWriter::rewrite(RowLocation at, const std::vector<std::pair<size_t, Va
     for (size_t i = 0; i < columns.size(); ++i) {
         const Column& c = columns[i];
         if (changed[i]) {
-            values[i] = store(i, converted[i], true, written);
+            store(i, converted[i], true, written, values[i]);
             if (c.isLongValue()) {
                 ColumnBytes old = before.column(c);
                 if (old.present) replaced.emplace_back(&c, old.bytes);

@@ -73,7 +73,8 @@ public:
 
 private:
     void rewrite(RowLocation row, const std::vector<std::pair<size_t, Variant>>& changes);
-    StoredValue store(size_t column, const Variant& value, bool keepInline, std::vector<std::vector<uint8_t>>& written);
+    void store(size_t column, const Variant& value, bool keepInline, std::vector<std::vector<uint8_t>>& written,
+               StoredValue& out);
     std::vector<uint8_t> layOut(std::vector<StoredValue>& values, const std::vector<const Variant*>& converted,
                                 std::vector<std::vector<uint8_t>>& written);
     Variant convert(size_t column, const Variant& value) const;
@@ -92,6 +93,10 @@ private:
     std::map<uint32_t, std::unique_ptr<TableIndexPages>> indexPages_;
     std::unique_ptr<IndexMaintainer> indexes_;
     std::map<uint16_t, std::unique_ptr<LongValueWriter>> longValues_;
+    // Working lists of insert(), kept between rows.
+    std::vector<Variant> converted_;
+    std::vector<const Variant*> value_;
+    std::vector<StoredValue> stored_;
 };
 
 }  // namespace jet

@@ -27,9 +27,12 @@ std::string quotedForError(const std::string& text) {
     return "'" + (text.size() > 40 ? text.substr(0, 40) + "..." : text) + "'";
 }
 
+// The white space of the "C" locale.
+bool isSpace(char c) { return c == ' ' || (c >= '\t' && c <= '\r'); }
+
 std::string_view trim(std::string_view s) {
-    while (!s.empty() && std::isspace(static_cast<unsigned char>(s.front()))) s.remove_prefix(1);
-    while (!s.empty() && std::isspace(static_cast<unsigned char>(s.back()))) s.remove_suffix(1);
+    while (!s.empty() && isSpace(s.front())) s.remove_prefix(1);
+    while (!s.empty() && isSpace(s.back())) s.remove_suffix(1);
     return s;
 }
 
@@ -135,6 +138,8 @@ bool equalsWord(std::string_view s, std::string_view word) { return equalsIgnore
 
 std::optional<bool> boolFromText(std::string_view s, const std::string& separator) {
     s = trim(s);
+    if (!s.empty() && ((s[0] >= '0' && s[0] <= '9') || s[0] == '-' || s[0] == '+'))
+        if (auto n = parseNumber(s, separator)) return n->digits != 0;  // no word starts so
     if (equalsWord(s, "True") || equalsWord(s, "Yes") || equalsWord(s, "On")) return true;
     if (equalsWord(s, "False") || equalsWord(s, "No") || equalsWord(s, "Off")) return false;
     if (auto n = parseNumber(s, separator)) return n->digits != 0;

@@ -133,7 +133,7 @@ size_t importCsv(std::istream& in, jet::Connection& connection, const std::strin
                 jet::Field field = rs.Fields().Item(columns[k]);
                 if (f.text.empty() && !f.quoted) field.setValue(jet::Variant::null());
                 else if (binary[k]) field.setValue(jet::Variant::bytes(fromHex(f.text, field.Name())));
-                else field.setValue(jet::Variant::string(f.text));
+                else field.setText(f.text);
             }
             rs.Update();
             ++rows;

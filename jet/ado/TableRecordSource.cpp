@@ -50,17 +50,30 @@ RuntimeError TableRecordSource::goneError() {
     return RuntimeError(err::DeletedRow, "The row was added in a transaction that was rolled back.");
 }
 
-void TableRecordSource::assign(size_t row, size_t field, const Variant& value) {
+const Column& TableRecordSource::assignable(size_t row, size_t field) const {
     dropRowsOfRolledBackTransaction();
     if (gone_.count(rows_[row])) throw goneError();
     const Column& c = table_->def().columns().at(field);
     if (c.isAutoNumber() && !isNew(row))
         throw RuntimeError(err::MultipleStepErrors, "Multiple-step operation generated errors. Check each status value. "
                                                     "The field '" + c.name + "' is an AutoNumber and cannot be changed.");
-    Variant converted = convertForColumn(c, value, db_->version(), db_->codePageOf(c));
+    return c;
+}
+
+void TableRecordSource::keep(size_t row, size_t field, Variant converted) {
     Pending& p = pending_[rows_[row]];
     p.resize(fields_.size());
     p[field] = std::move(converted);
+}
+
+void TableRecordSource::assign(size_t row, size_t field, const Variant& value) {
+    const Column& c = assignable(row, field);
+    keep(row, field, convertForColumn(c, value, db_->version(), db_->codePageOf(c)));
+}
+
+void TableRecordSource::assignText(size_t row, size_t field, std::string_view text) {
+    const Column& c = assignable(row, field);
+    keep(row, field, convertTextForColumn(c, text, db_->version(), db_->codePageOf(c), Locale::current()));
 }
 
 size_t TableRecordSource::addNew() {

@@ -21,6 +21,7 @@
 #include <functional>
 #include <memory>
 #include <optional>
+#include <string_view>
 #include <unordered_map>
 #include <unordered_set>
 #include <vector>
@@ -50,6 +51,8 @@ public:
     bool hasPending(size_t row) const { return pending_.count(rows_[row]) != 0; }
     // Converts and keeps a value for the row (throws, keeping nothing, when it does not fit).
     void assign(size_t row, size_t field, const Variant& value);
+    // The same for text as a user types it, without making a String value of it.
+    void assignText(size_t row, size_t field, std::string_view text);
     // A new row at the end; returns its position.
     size_t addNew();
     // Forgets what was assigned to the row; a new row disappears.
@@ -69,6 +72,8 @@ private:
 
     RowLocation location(size_t row) const { return RowLocation::fromPointer(rows_[row]); }
     void forgetCachedRow() const;
+    const Column& assignable(size_t row, size_t field) const;
+    void keep(size_t row, size_t field, Variant converted);
     static RuntimeError goneError();
     void dropRowsOfRolledBackTransaction() const;
     // Runs a change in the open transaction, or in one of its own that it commits.

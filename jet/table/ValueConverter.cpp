@@ -246,10 +246,9 @@ double numericValue(const Variant& v) {
     return d.negative ? -m : m;
 }
 
-// Any value as an exact number; nullopt for text that is not a number.
-std::optional<ExactNumber> exactOf(const Variant& v, const Locale& locale) {
+// A value that is not text as an exact number; nullopt for one that is no finite number.
+std::optional<ExactNumber> exactOf(const Variant& v) {
     switch (v.type()) {
-    case Variant::Type::String: return parseNumber(v.asString(), locale.decimalSeparator);
     case Variant::Type::Currency: {
         ExactNumber n;
         int64_t c = v.asCurrency();
@@ -269,7 +268,7 @@ std::optional<ExactNumber> exactOf(const Variant& v, const Locale& locale) {
     case Variant::Type::Single:
     case Variant::Type::Double:
     case Variant::Type::Date: {
-        double x = numericValue(v);
+        const double x = numericValue(v);
         if (!std::isfinite(x)) return std::nullopt;
         char buf[64];
         // Single keeps its 7 significant digits, so 0.1f becomes 0.1 and not 0.100000001.
@@ -288,12 +287,21 @@ std::optional<ExactNumber> exactOf(const Variant& v, const Locale& locale) {
     }
 }
 
-Variant convertWhole(const Column& c, const Variant& v, const Locale& locale, int64_t lo, int64_t hi) {
-    auto n = exactOf(v, locale);
-    if (!n) refuse(c, quotedForError(v.toString(locale)) + " is not a number");
-    auto mag = scaledMagnitude(*n, 0);
+// The conversions below take the value as a number (nullopt when it is none) and, for the
+// refusal, a function giving the value as the user wrote it.
+
+template <typename Shown>
+const ExactNumber& numberOrRefuse(const Column& c, const std::optional<ExactNumber>& n, const Shown& shown) {
+    if (!n) refuse(c, quotedForError(shown()) + " is not a number");
+    return *n;
+}
+
+template <typename Shown>
+Variant wholeFrom(const Column& c, const std::optional<ExactNumber>& number, const Shown& shown, int64_t lo, int64_t hi) {
+    const ExactNumber& n = numberOrRefuse(c, number, shown);
+    auto mag = scaledMagnitude(n, 0);
     if (!mag || *mag > u128(hi) + 1) refuse(c, "the number is out of the column's range");
-    int64_t value = n->negative ? -int64_t(*mag) : int64_t(*mag);
+    int64_t value = n.negative ? -int64_t(*mag) : int64_t(*mag);
     if (value < lo || value > hi) refuse(c, "the number " + std::to_string(value) + " is out of the column's range");
     switch (c.type()) {
     case ColumnType::Byte: return Variant::byte(uint8_t(value));
@@ -302,33 +310,38 @@ Variant convertWhole(const Column& c, const Variant& v, const Locale& locale, in
     }
 }
 
-Variant convertDate(const Column& c, const Variant& v, const Locale& locale) {
-    double serial;
-    if (v.type() == Variant::Type::String) {
-        auto d = dateFromText(v.asString(), locale);
-        if (!d) refuse(c, quotedForError(v.asString()) + " is not a date");
-        serial = *d;
-    } else {
-        serial = numericValue(v);
-    }
+template <typename Shown>
+Variant moneyFrom(const Column& c, const std::optional<ExactNumber>& number, const Shown& shown) {
+    const ExactNumber& n = numberOrRefuse(c, number, shown);
+    auto mag = scaledMagnitude(n, 4);
+    if (!mag || *mag > u128(INT64_MAX)) refuse(c, "the amount is out of the Currency range");
+    return Variant::currency(n.negative ? -int64_t(*mag) : int64_t(*mag));
+}
+
+template <typename Shown>
+Variant decimalFrom(const Column& c, const std::optional<ExactNumber>& number, const Shown& shown) {
+    const ExactNumber& n = numberOrRefuse(c, number, shown);
+    auto mag = scaledMagnitude(n, c.scale);
+    u128 limit = 1;
+    for (int k = 0; k < c.precision; ++k) limit *= 10;
+    if (!mag || *mag >= limit) refuse(c, "the number has more digits than the column's precision");
+    return Variant::decimal(Decimal{n.negative && *mag != 0, *mag, c.scale});
+}
+
+Variant floatingFrom(const Column& c, double x) {
+    if (!std::isfinite(x) || (c.type() == ColumnType::Float && std::fabs(x) > FLT_MAX))
+        refuse(c, "the number is out of the column's range");
+    if (c.type() == ColumnType::Float) return Variant::single(float(x));
+    return Variant::doubleValue(x);
+}
+
+Variant dateFrom(const Column& c, double serial) {
     // Jet's dates run from 100-01-01 to 9999-12-31.
     if (!std::isfinite(serial) || serial < -657434.0 || serial >= 2958466.0) refuse(c, "the date is out of range");
     return Variant::date(serial);
 }
 
-Variant convertDecimal(const Column& c, const Variant& v, const Locale& locale) {
-    auto n = exactOf(v, locale);
-    if (!n) refuse(c, quotedForError(v.toString(locale)) + " is not a number");
-    auto mag = scaledMagnitude(*n, c.scale);
-    u128 limit = 1;
-    for (int k = 0; k < c.precision; ++k) limit *= 10;
-    if (!mag || *mag >= limit) refuse(c, "the number has more digits than the column's precision");
-    return Variant::decimal(Decimal{n->negative && *mag != 0, *mag, c.scale});
-}
-
-Variant convertText(const Column& c, const Variant& v, Version version, const CodePage& codePage, const Locale& locale) {
-    if (v.type() == Variant::Type::ByteArray) refuse(c, "binary data is not text");
-    std::string text = v.toString(locale);
+Variant textFrom(const Column& c, std::string_view text, Version version, const CodePage& codePage) {
     if (version == Version::Jet3) {
         auto bytes = codePage.fromUtf8(text);
         if (!bytes) refuse(c, "the text has characters that code page " + std::to_string(codePage.number()) + " cannot hold");
@@ -341,7 +354,56 @@ Variant convertText(const Column& c, const Variant& v, Version version, const Co
             refuse(c, "the text has " + std::to_string(units) + " characters, the column holds at most " +
                           std::to_string(c.length / 2));
     }
-    return Variant::string(std::move(text));
+    return Variant::string(std::string(text));
+}
+
+Variant guidFrom(const Column& c, std::string_view text) {
+    uint8_t bytes[16];
+    if (!guidBytes(text, bytes)) refuse(c, quotedForError(std::string(text)) + " is not a Replication ID");
+    return Variant::string(guidText(bytes));
+}
+
+// A value given as anything but text.
+Variant convertValue(const Column& c, const Variant& v, Version version, const CodePage& codePage,
+                     const Locale& locale) {
+    const auto shown = [&] { return v.toString(locale); };
+    if (c.type() == ColumnType::Bool) {
+        if (v.isNull() || v.isEmpty()) return Variant::boolean(false);
+        if (v.type() == Variant::Type::ByteArray) refuse(c, "binary data is not Yes or No");
+        if (v.type() == Variant::Type::Decimal) return Variant::boolean(v.asDecimal().magnitude != 0);
+        if (v.type() == Variant::Type::Currency) return Variant::boolean(v.asCurrency() != 0);
+        return Variant::boolean(numericValue(v) != 0);
+    }
+    if (v.isNull() || v.isEmpty()) return Variant::null();
+    const bool binaryIn = v.type() == Variant::Type::ByteArray;
+    switch (c.type()) {
+    case ColumnType::Text:
+    case ColumnType::Memo:
+        if (binaryIn) refuse(c, "binary data is not text");
+        return textFrom(c, v.toString(locale), version, codePage);
+    case ColumnType::Binary:
+    case ColumnType::Ole:
+        if (!binaryIn) refuse(c, "only binary data can be stored in it");
+        if (c.type() == ColumnType::Binary && v.asBytes().size() > c.length)
+            refuse(c, "the data has " + std::to_string(v.asBytes().size()) + " bytes, the column holds at most " +
+                          std::to_string(c.length));
+        return v;
+    case ColumnType::Guid: refuse(c, quotedForError(shown()) + " is not a Replication ID");
+    default: break;
+    }
+    if (binaryIn) refuse(c, "binary data is not a number");
+    switch (c.type()) {
+    case ColumnType::Byte: return wholeFrom(c, exactOf(v), shown, 0, 255);
+    case ColumnType::Int: return wholeFrom(c, exactOf(v), shown, INT16_MIN, INT16_MAX);
+    case ColumnType::Long: return wholeFrom(c, exactOf(v), shown, INT32_MIN, INT32_MAX);
+    case ColumnType::Money: return moneyFrom(c, exactOf(v), shown);
+    case ColumnType::Float:
+    case ColumnType::Double: return floatingFrom(c, numericValue(v));
+    case ColumnType::DateTime: return dateFrom(c, numericValue(v));
+    case ColumnType::Numeric: return decimalFrom(c, exactOf(v), shown);
+    default: break;
+    }
+    refuse(c, "the column's type cannot be written");
 }
 
 }  // namespace
@@ -367,6 +429,44 @@ bool guidBytes(std::string_view s, uint8_t out[16]) {
     const int order[16] = {3, 2, 1, 0, 5, 4, 7, 6, 8, 9, 10, 11, 12, 13, 14, 15};
     for (int i = 0; i < 16; ++i) out[i] = raw[order[i]];
     return true;
+}
+
+Variant convertTextForColumn(const Column& c, std::string_view text, Version version, const CodePage& codePage,
+                             const Locale& locale) {
+    const auto shown = [&] { return std::string(text); };
+    const bool isText = c.type() == ColumnType::Text || c.type() == ColumnType::Memo;
+    if (!isText && trim(text).empty()) return c.type() == ColumnType::Bool ? Variant::boolean(false) : Variant::null();
+    const std::string& separator = locale.decimalSeparator;
+    switch (c.type()) {
+    case ColumnType::Bool: {
+        auto b = boolFromText(text, separator);
+        if (!b) refuse(c, quotedForError(shown()) + " is not Yes or No");
+        return Variant::boolean(*b);
+    }
+    case ColumnType::Text:
+    case ColumnType::Memo: return textFrom(c, text, version, codePage);
+    case ColumnType::Binary:
+    case ColumnType::Ole: refuse(c, "only binary data can be stored in it");
+    case ColumnType::Guid: return guidFrom(c, text);
+    case ColumnType::Byte: return wholeFrom(c, parseNumber(text, separator), shown, 0, 255);
+    case ColumnType::Int: return wholeFrom(c, parseNumber(text, separator), shown, INT16_MIN, INT16_MAX);
+    case ColumnType::Long: return wholeFrom(c, parseNumber(text, separator), shown, INT32_MIN, INT32_MAX);
+    case ColumnType::Money: return moneyFrom(c, parseNumber(text, separator), shown);
+    case ColumnType::Float:
+    case ColumnType::Double: {
+        auto n = parseNumber(text, separator);
+        if (!n) refuse(c, quotedForError(shown()) + " is not a number");
+        return floatingFrom(c, toDouble(*n));
+    }
+    case ColumnType::DateTime: {
+        auto d = dateFromText(text, locale);
+        if (!d) refuse(c, quotedForError(shown()) + " is not a date");
+        return dateFrom(c, *d);
+    }
+    case ColumnType::Numeric: return decimalFrom(c, parseNumber(text, separator), shown);
+    default: break;
+    }
+    refuse(c, "the column's type cannot be written");
 }
 
 bool alreadyConverted(const Column& c, const Variant& v, Version version) {
@@ -395,73 +495,8 @@ Variant convertForColumn(const Column& c, const Variant& v, Version version, con
 
 Variant convertForColumn(const Column& c, const Variant& v, Version version, const CodePage& codePage,
                          const Locale& locale) {
-    const bool isText = c.type() == ColumnType::Text || c.type() == ColumnType::Memo;
-    bool blank = v.isNull() || v.isEmpty();
-    if (!isText && v.type() == Variant::Type::String && trim(v.asString()).empty()) blank = true;
-    if (c.type() == ColumnType::Bool) {
-        if (blank) return Variant::boolean(false);
-        if (v.type() == Variant::Type::String) {
-            auto b = boolFromText(v.asString(), locale.decimalSeparator);
-            if (!b) refuse(c, quotedForError(v.asString()) + " is not Yes or No");
-            return Variant::boolean(*b);
-        }
-        if (v.type() == Variant::Type::ByteArray) refuse(c, "binary data is not Yes or No");
-        if (v.type() == Variant::Type::Decimal) return Variant::boolean(v.asDecimal().magnitude != 0);
-        if (v.type() == Variant::Type::Currency) return Variant::boolean(v.asCurrency() != 0);
-        return Variant::boolean(numericValue(v) != 0);
-    }
-    if (blank) return Variant::null();
-    const bool binaryIn = v.type() == Variant::Type::ByteArray;
-    switch (c.type()) {
-    case ColumnType::Text:
-    case ColumnType::Memo: return convertText(c, v, version, codePage, locale);
-    case ColumnType::Binary:
-    case ColumnType::Ole:
-        if (!binaryIn) refuse(c, "only binary data can be stored in it");
-        if (c.type() == ColumnType::Binary && v.asBytes().size() > c.length)
-            refuse(c, "the data has " + std::to_string(v.asBytes().size()) + " bytes, the column holds at most " +
-                          std::to_string(c.length));
-        return v;
-    case ColumnType::Guid: {
-        uint8_t bytes[16];
-        if (v.type() != Variant::Type::String || !guidBytes(v.asString(), bytes))
-            refuse(c, quotedForError(v.toString(locale)) + " is not a Replication ID");
-        return Variant::string(guidText(bytes));
-    }
-    default: break;
-    }
-    if (binaryIn) refuse(c, "binary data is not a number");
-    switch (c.type()) {
-    case ColumnType::Byte: return convertWhole(c, v, locale, 0, 255);
-    case ColumnType::Int: return convertWhole(c, v, locale, INT16_MIN, INT16_MAX);
-    case ColumnType::Long: return convertWhole(c, v, locale, INT32_MIN, INT32_MAX);
-    case ColumnType::Money: {
-        auto n = exactOf(v, locale);
-        if (!n) refuse(c, quotedForError(v.toString(locale)) + " is not a number");
-        auto mag = scaledMagnitude(*n, 4);
-        if (!mag || *mag > u128(INT64_MAX)) refuse(c, "the amount is out of the Currency range");
-        return Variant::currency(n->negative ? -int64_t(*mag) : int64_t(*mag));
-    }
-    case ColumnType::Float:
-    case ColumnType::Double: {
-        double x;
-        if (v.type() == Variant::Type::String) {
-            auto n = parseNumber(v.asString(), locale.decimalSeparator);
-            if (!n) refuse(c, quotedForError(v.asString()) + " is not a number");
-            x = toDouble(*n);
-        } else {
-            x = numericValue(v);
-        }
-        if (!std::isfinite(x) || (c.type() == ColumnType::Float && std::fabs(x) > FLT_MAX))
-            refuse(c, "the number is out of the column's range");
-        if (c.type() == ColumnType::Float) return Variant::single(float(x));
-        return Variant::doubleValue(x);
-    }
-    case ColumnType::DateTime: return convertDate(c, v, locale);
-    case ColumnType::Numeric: return convertDecimal(c, v, locale);
-    default: break;
-    }
-    refuse(c, "the column's type cannot be written");
+    if (v.type() == Variant::Type::String) return convertTextForColumn(c, v.asString(), version, codePage, locale);
+    return convertValue(c, v, version, codePage, locale);
 }
 
 }  // namespace jet

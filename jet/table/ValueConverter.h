@@ -17,6 +17,7 @@
 //    stores No instead.
 
 #include <string>
+#include <string_view>
 
 #include "format/CodePage.h"
 #include "format/Format.h"
@@ -33,6 +34,9 @@ Variant convertForColumn(const Column& column, const Variant& value, Version ver
                          const Locale& locale);
 // The same in the current locale.
 Variant convertForColumn(const Column& column, const Variant& value, Version version, const CodePage& codePage);
+// What text typed by a user gives in the column: the same as a String value, without one.
+Variant convertTextForColumn(const Column& column, std::string_view text, Version version, const CodePage& codePage,
+                             const Locale& locale);
 // True when the value is already what convertForColumn would give for it, which callers
 // may then use as it is.
 bool alreadyConverted(const Column& column, const Variant& value, Version version);

@@ -2,9 +2,9 @@
 
 #include <algorithm>
 
-#include "host/AnsiCodePage.h"
 #include "host/HostDiagnostics.h"
-#include "host/VbError.h"
+#include "rt/AnsiCodePage.h"
+#include "rt/VbError.h"
 
 namespace lang {
 
@@ -15,7 +15,7 @@ namespace {
 int16_t toPosition(qsizetype value)
 {
     if (value > INT16_MAX)
-        throw host::vbError(host::vberr::Overflow);
+        throw rt::vbError(rt::vberr::Overflow);
     return static_cast<int16_t>(value);
 }
 
@@ -46,12 +46,12 @@ QString GetToken(const QString& text, int16_t& position, const QString& delimite
     if (count == 0)
         count = 1;
     gTokenAtEnd = false;
-    const host::AnsiCodePage& codePage = host::AnsiCodePage::current();
+    const rt::AnsiCodePage& codePage = rt::AnsiCodePage::current();
     const QByteArray bytes = codePage.encode(text);
     const qsizetype length = bytes.size();
     qsizetype index = static_cast<qsizetype>(position) - 1;
     if (index < 0 || index >= length)
-        throw host::vbError(host::vberr::SubscriptOutOfRange);
+        throw rt::vbError(rt::vberr::SubscriptOutOfRange);
     // A delimiter the code page cannot hold matches no byte, as comparing strings would.
     const int delimiterByte = delimiter.size() == 1 ? codePage.toByte(delimiter[0]) : -1;
 
@@ -129,7 +129,7 @@ QString ToPoint(QString& value)
         value = result;
         return result;
     } catch (const jet::RuntimeError& error) {
-        host::HostDiagnostics::current().reportError(error.number(), host::descriptionOf(error),
+        host::HostDiagnostics::current().reportError(error.number(), rt::descriptionOf(error),
                                                      QStringLiteral("ToPoint"), QStringLiteral("global"),
                                                      QStringLiteral("Functions"));
         return QString();

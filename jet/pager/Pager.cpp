@@ -264,7 +264,7 @@ PageFrame* Pager::newFrame(uint32_t n) {
         f->bytes = std::move(spare_.back());
         spare_.pop_back();
     } else {
-        f->bytes = std::make_unique<uint8_t[]>(pageSize_);
+        f->bytes = std::make_unique_for_overwrite<uint8_t[]>(pageSize_);  // read or zeroed next
     }
     PageFrame* raw = f.get();
     frames_.emplace(n, std::move(f));

@@ -7,6 +7,7 @@
 #include "host/Registry.h"
 #include "host/RegistryKeys.h"
 #include "jet/NewDatabase.h"
+#include "rt/AnsiCodePage.h"
 #include "rt/HostPath.h"
 #include "rt/VbError.h"
 
@@ -14,7 +15,7 @@ namespace host {
 
 void makeTemplateDatabase(const QString& path)
 {
-    jet::createDatabase(QFile::encodeName(path).toStdString(), jet::Version::Jet3);
+    jet::createDatabase(QFile::encodeName(path).toStdString(), jet::Version::Jet3, rt::AnsiCodePage::current().number());
 }
 
 QString SetupDefaults::defaultDatabaseFolder()

@@ -1,48 +1,66 @@
 #include "rt/AnsiCodePage.h"
 
-#include <QStringDecoder>
+#include <optional>
+
+#include "jet/CodePages.h"
+#include "jet/RuntimeError.h"
 
 namespace rt {
 
 namespace {
-constexpr char16_t kReplacement = 0xFFFD;
+
+constexpr uint16_t kDefaultNumber = 1251;
+
+// "windows-1252", "cp1252" or "1252" as the number 1252.
+std::optional<uint16_t> numberOf(const QString& name)
+{
+    QString digits = name.toLower();
+    for (const QLatin1String prefix : {QLatin1String("windows-"), QLatin1String("cp")})
+        if (digits.startsWith(prefix))
+            digits.remove(0, prefix.size());
+    if (digits.isEmpty() || digits.size() > 5)
+        return std::nullopt;
+    for (const QChar c : digits)
+        if (c < u'0' || c > u'9')
+            return std::nullopt;
+    const uint32_t number = digits.toUInt();
+    if (number == 0 || number > UINT16_MAX)
+        return std::nullopt;
+    return static_cast<uint16_t>(number);
 }
+
+}  // namespace
 
 AnsiCodePage::AnsiCodePage(const QString& name)
 {
-    if (!build(name))
-        build(QStringLiteral("windows-1251"));
+    const std::optional<uint16_t> number = numberOf(name);
+    if (!number || !build(*number))
+        build(kDefaultNumber);
 }
 
-bool AnsiCodePage::build(const QString& name)
+bool AnsiCodePage::build(uint16_t number)
 {
-    QStringDecoder decoder(name.toLatin1().constData());
-    if (!decoder.isValid())
+    std::array<char32_t, 256> characters;
+    try {
+        characters = jet::codePageCharacters(number);
+    } catch (const jet::RuntimeError&) {
         return false;
+    }
+    number_ = number;
     nonAscii_.clear();
-    // Decoding byte by byte is exact for a single-byte code page; a byte the code page
-    // leaves undefined decodes to the replacement character and maps to nothing.
     for (int b = 0; b < 256; ++b) {
-        const char byte = static_cast<char>(b);
-        decoder.resetState();
-        const QString one = decoder.decode(QByteArrayView(&byte, 1));
-        const QChar c = one.size() == 1 ? one[0] : QChar(kReplacement);
+        const QChar c(static_cast<char16_t>(characters[b]));
         toChar_[b] = c;
-        if (b >= 0x80 && c.unicode() != kReplacement && !nonAscii_.contains(c.unicode()))
+        // The first byte wins when two share a character, as in the engine.
+        if (b >= 0x80 && !nonAscii_.contains(c.unicode()))
             nonAscii_.insert(c.unicode(), static_cast<uint8_t>(b));
     }
-    // A multi-byte encoding (UTF-8 and the like) is not a single-byte code page.
-    for (int b = 0; b < 0x80; ++b)
-        if (toChar_[b].unicode() != b)
-            return false;
     return true;
 }
 
 const AnsiCodePage& AnsiCodePage::current()
 {
-    static const AnsiCodePage page(qEnvironmentVariableIsEmpty("SHEETWRIGHT_CODEPAGE")
-                                       ? QStringLiteral("windows-1251")
-                                       : qEnvironmentVariable("SHEETWRIGHT_CODEPAGE"));
+    static const AnsiCodePage page(qEnvironmentVariable("SHEETWRIGHT_CODEPAGE"));
     return page;
 }
 

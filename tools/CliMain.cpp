@@ -24,6 +24,7 @@
 #include "jet/NewDatabase.h"
 #include "jet/Recordset.h"
 #include "jet/RuntimeError.h"
+#include "rt/AnsiCodePage.h"
 
 namespace {
 
@@ -96,7 +97,7 @@ int load(const Args& a) {
 int create(const Args& a) {
     if (a.size() != 3 || a[1] != "--version") throw std::invalid_argument("create takes FILE --version 3|4");
     if (a[2] != "3" && a[2] != "4") throw std::invalid_argument("unknown version '" + a[2] + "' (3 or 4)");
-    jet::createDatabase(a[0], a[2] == "3" ? jet::Version::Jet3 : jet::Version::Jet4);
+    jet::createDatabase(a[0], a[2] == "3" ? jet::Version::Jet3 : jet::Version::Jet4, rt::AnsiCodePage::current().number());
     return 0;
 }
 

@@ -1,11 +1,10 @@
 #include "jet/Recordset.h"
 
 #include <algorithm>
-#include <cctype>
 
 #include "ado/TableRecordSource.h"
-#include "base/Utf.h"
 #include "jet/Connection.h"
+#include "sql/SqlParser.h"
 #include "table/Database.h"
 
 namespace jet {
@@ -18,37 +17,6 @@ RuntimeError noCurrentRecord() {
                         "requires a current record.");
 }
 
-// The table name of "SELECT * FROM name"; empty when the text is something else.
-std::string selectAllTable(std::string_view sql) {
-    auto skipSpace = [&](size_t& i) {
-        while (i < sql.size() && std::isspace(static_cast<unsigned char>(sql[i]))) ++i;
-    };
-    auto keyword = [&](size_t& i, std::string_view word) {
-        skipSpace(i);
-        if (sql.size() - i < word.size() || !equalsIgnoreCase(sql.substr(i, word.size()), word)) return false;
-        i += word.size();
-        return i == sql.size() || !std::isalnum(static_cast<unsigned char>(sql[i])) || word == "*";
-    };
-    size_t i = 0;
-    if (!keyword(i, "SELECT") || !keyword(i, "*") || !keyword(i, "FROM")) return {};
-    skipSpace(i);
-    std::string name;
-    if (i < sql.size() && sql[i] == '[') {
-        size_t end = sql.find(']', i);
-        if (end == std::string_view::npos) return {};
-        name = sql.substr(i + 1, end - i - 1);
-        i = end + 1;
-    } else {
-        size_t start = i;
-        while (i < sql.size() && !std::isspace(static_cast<unsigned char>(sql[i])) && sql[i] != ';') ++i;
-        name = sql.substr(start, i - start);
-    }
-    skipSpace(i);
-    if (i < sql.size() && sql[i] == ';') ++i;
-    skipSpace(i);
-    return i == sql.size() ? name : std::string();
-}
-
 }  // namespace
 
 Recordset::Recordset() : fields_(*this) {}
@@ -58,12 +26,8 @@ void Recordset::Open(const std::string& source, Connection& connection, int32_t 
                      int32_t options) {
     if (data_) throw RuntimeError(err::NotAllowedOpen, "Operation is not allowed when the object is open.");
     std::shared_ptr<Database> db = connection.database();
-    std::string table;
-    if (options == ado::CmdTable || options == ado::CmdTableDirect) table = source;
-    else table = selectAllTable(source);
-    if (table.empty())
-        throw RuntimeError(err::SyntaxError,
-                           "Invalid SQL statement; only SELECT * FROM a table can be opened as a record set.");
+    const bool bareName = options == ado::CmdTable || options == ado::CmdTableDirect;
+    const std::string table = bareName ? source : sql::parseSelectAll(source).table;
     auto data = std::make_shared<TableRecordSource>(db, db->openTable(table));
     source_ = source;
     connection_ = &connection;

@@ -12,7 +12,7 @@ namespace {
 
 // Jet's table types for a catalogue entry; nullptr for objects the schema leaves out.
 const char* tableType(const CatalogEntry& e) {
-    if (e.parentId != TablesContainerId) return nullptr;
+    if (e.parentId != object_id::Tables) return nullptr;
     if (e.type == object_type::LinkedJet) return "LINK";
     if (e.type == object_type::LinkedOdbc) return "PASS-THROUGH";
     if (e.type != object_type::Table) return nullptr;

@@ -9,7 +9,6 @@
 namespace jet {
 
 inline uint16_t le16(const uint8_t* p) { return uint16_t(p[0] | (p[1] << 8)); }
-inline uint32_t le24(const uint8_t* p) { return uint32_t(p[0]) | (uint32_t(p[1]) << 8) | (uint32_t(p[2]) << 16); }
 inline uint32_t le32(const uint8_t* p) {
     return uint32_t(p[0]) | (uint32_t(p[1]) << 8) | (uint32_t(p[2]) << 16) | (uint32_t(p[3]) << 24);
 }
@@ -26,12 +25,10 @@ inline uint32_t be32(const uint8_t* p) {
 }
 
 inline void putLe16(uint8_t* p, uint16_t v) { p[0] = uint8_t(v); p[1] = uint8_t(v >> 8); }
-inline void putLe24(uint8_t* p, uint32_t v) { p[0] = uint8_t(v); p[1] = uint8_t(v >> 8); p[2] = uint8_t(v >> 16); }
 inline void putLe32(uint8_t* p, uint32_t v) { putLe16(p, uint16_t(v)); putLe16(p + 2, uint16_t(v >> 16)); }
 inline void putLe64(uint8_t* p, uint64_t v) { putLe32(p, uint32_t(v)); putLe32(p + 4, uint32_t(v >> 32)); }
 inline void putLeF32(uint8_t* p, float f) { uint32_t u; std::memcpy(&u, &f, 4); putLe32(p, u); }
 inline void putLeF64(uint8_t* p, double d) { uint64_t u; std::memcpy(&u, &d, 8); putLe64(p, u); }
-inline void putBe24(uint8_t* p, uint32_t v) { p[0] = uint8_t(v >> 16); p[1] = uint8_t(v >> 8); p[2] = uint8_t(v); }
 inline void putBe32(uint8_t* p, uint32_t v) { p[0] = uint8_t(v >> 24); p[1] = uint8_t(v >> 16); p[2] = uint8_t(v >> 8); p[3] = uint8_t(v); }
 
 }  // namespace jet

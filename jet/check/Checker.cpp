@@ -6,6 +6,7 @@
 #include <set>
 
 #include "base/Bytes.h"
+#include "base/CorruptError.h"
 #include "base/Utf.h"
 #include "check/IndexCheck.h"
 #include "format/UsageMap.h"

@@ -4,7 +4,7 @@
 #include <string>
 
 #include "base/Bytes.h"
-#include "pager/Pager.h"
+#include "base/CorruptError.h"
 
 namespace jet {
 

@@ -5,7 +5,7 @@
 #include <vector>
 
 #include "base/Bytes.h"
-#include "pager/Pager.h"
+#include "base/CorruptError.h"
 
 namespace jet {
 
@@ -89,16 +89,6 @@ bool DataPageWriter::holdsNothing() const {
     for (unsigned k = 0; k < n; ++k)
         if (!view_.isDeleted(k) && !view_.row(k).empty()) return false;
     return true;
-}
-
-unsigned DataPageWriter::liveRows() const {
-    const uint16_t n = view_.slotCount();
-    unsigned live = 0;
-    for (unsigned k = 0; k < n; ++k) {
-        uint16_t flags = view_.slotFlags(k);
-        if (flags != slot_flag::Deleted && flags != slot_flag::Moved) ++live;
-    }
-    return live;
 }
 
 }  // namespace jet

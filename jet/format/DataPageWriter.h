@@ -44,8 +44,6 @@ public:
     // True when every slot is deleted or empty: nothing can name any of them any more (no
     // stored row or long value is empty), so the page may start again empty.
     bool holdsNothing() const;
-    // Live slots: neither deleted nor an overflow target.
-    unsigned liveRows() const;
 
 private:
     uint32_t usedBytesAfterRepack(unsigned slot, uint32_t newLength) const;

@@ -65,8 +65,6 @@ struct Format {
     uint32_t inlineMapBytes;       // bitmap bytes of a new inline map
     uint32_t pagesPerMapPage;      // pages covered by one type-0x05 page of a reference map
 
-    uint32_t emptyDataPageFree() const { return pageSize - dataSlotsOffset; }
-
     bool isJet3() const { return version == Version::Jet3; }
     // Header: length of the RC4-masked region from 0x18, and of the password field at 0x42.
     uint32_t headerMaskLength() const { return isJet3() ? 126 : 128; }

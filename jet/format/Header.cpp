@@ -4,9 +4,10 @@
 #include <cstring>
 
 #include "base/Bytes.h"
+#include "base/CorruptError.h"
+#include "base/Rc4.h"
 #include "base/Utf.h"
 #include "format/CodePage.h"
-#include "pager/Pager.h"
 
 namespace jet {
 

@@ -6,8 +6,8 @@
 #include <string>
 
 #include "base/Bytes.h"
+#include "base/CorruptError.h"
 #include "format/IndexEntry.h"
-#include "pager/Pager.h"
 
 namespace jet {
 namespace {
@@ -64,11 +64,6 @@ void IndexPage::appendEntries(const IndexPage& other, size_t from, size_t to) {
         data_.insert(data_.end(), e.begin(), e.end());
         ends_.push_back(uint32_t(data_.size()));
     }
-}
-
-void IndexPage::clearEntries() {
-    data_.clear();
-    ends_.clear();
 }
 
 IndexPage decodeIndexPage(const Format& f, const uint8_t* page, IndexPageLayout* layout) {

@@ -43,7 +43,6 @@ struct IndexPage {
     void eraseEntries(size_t from, size_t to);
     // Appends entries [from, to) of another page.
     void appendEntries(const IndexPage& other, size_t from, size_t to);
-    void clearEntries();
 
 private:
     std::vector<uint8_t> data_;   // entries in full, back to back

@@ -8,9 +8,10 @@
 #include <vector>
 
 #include "base/Bytes.h"
+#include "base/CorruptError.h"
+#include "pager/Pager.h"
 #include "format/DataPageWriter.h"
 #include "format/UsageMap.h"
-#include "pager/Pager.h"
 
 namespace jet {
 

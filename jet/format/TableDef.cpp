@@ -4,6 +4,7 @@
 #include <set>
 
 #include "base/Bytes.h"
+#include "base/CorruptError.h"
 #include "base/Utf.h"
 #include "format/CodePage.h"
 #include "format/TextCodec.h"
@@ -47,6 +48,62 @@ uint32_t fieldAt(const uint8_t* base, uint32_t offset, int size) {
     case 2: return le16(base + offset);
     default: return le32(base + offset);
     }
+}
+
+// A column descriptor: its type, number, place in the row, length and the version's extras.
+// The name follows later in the stream.
+Column columnFrom(const uint8_t* b, const Format& f, const TableDefLayout& L, uint16_t descriptorIndex) {
+    Column c;
+    c.raw.assign(b, b + f.columnDescriptorSize);
+    c.descriptorIndex = descriptorIndex;
+    c.typeCode = b[L.colType];
+    c.number = le16(b + L.colNumber);
+    c.varIndex = le16(b + L.colVarIndex);
+    c.collation = le16(b + L.colCollation);
+    c.flags = b[L.colFlags];
+    c.fixedOffset = le16(b + L.colFixedOffset);
+    c.length = le16(b + L.colLength);
+    if (f.isJet3()) {
+        c.codePage = uint16_t(fieldAt(b, L.colCodePage, 2));
+    } else {
+        c.extraFlags = b[L.colExtraFlags];
+        if (c.typeCode == uint8_t(ColumnType::Numeric)) {
+            c.precision = b[L.colPrecision];
+            c.scale = b[L.colScale];
+            c.collation = 0;
+        } else {
+            c.collationVersion = b[L.colCollation + 3];
+        }
+    }
+    return c;
+}
+
+// A physical index descriptor: up to ten (column, direction) pairs, unused ones 0xFFFF,
+// then the index's map, root page and flags. Its count block was read before.
+void readPhysicalIndex(const uint8_t* b, const Format& f, const TableDefLayout& L, PhysicalIndex& x) {
+    x.raw.assign(b, b + f.physicalIndexSize);
+    for (int k = 0; k < 10; ++k) {
+        uint16_t col = le16(b + L.pixColumns + 3 * k);
+        if (col == 0xFFFF) continue;
+        x.columns.push_back({col, b[L.pixColumns + 3 * k + 2] != 0});
+    }
+    x.ownedMap = le32(b + L.pixOwnedMap);
+    x.rootPage = le32(b + L.pixRootPage);
+    x.flags = b[L.pixFlags];
+}
+
+LogicalIndex logicalIndexFrom(const uint8_t* b, const Format& f, const TableDefLayout& L) {
+    LogicalIndex x;
+    x.raw.assign(b, b + f.logicalIndexSize);
+    x.number = lei32(b + L.lixNumber);
+    x.physicalIndex = le32(b + L.lixPhysical);
+    x.relatedType = b[L.lixRelatedType];
+    x.relatedIndex = lei32(b + L.lixRelatedIndex);
+    x.relatedTable = le32(b + L.lixRelatedTable);
+    x.cascadeUpdate = b[L.lixCascadeUpdate];
+    x.cascadeDelete = b[L.lixCascadeDelete];
+    x.kind = b[L.lixKind];
+    return x;
 }
 
 }  // namespace
@@ -114,6 +171,8 @@ TableDef TableDef::parse(const Format& f, const CodePage& cp, std::vector<uint8_
         uint64_t(logicalCount) * f.logicalIndexSize > room || uint64_t(columnCount) * f.columnDescriptorSize > room)
         throw CorruptError("a table definition announces more columns or indexes than it holds");
 
+    // The stream's order: count blocks, column descriptors, column names, physical index
+    // descriptors, logical index descriptors, their names, the long-value map list.
     d.physical_.resize(physicalCount);
     for (uint32_t i = 0; i < physicalCount; ++i) {
         const uint8_t* b = r.take(f.indexCountBlockSize, "an index count block");
@@ -122,62 +181,16 @@ TableDef TableDef::parse(const Format& f, const CodePage& cp, std::vector<uint8_
         d.physical_[i].distinctKeys = le32(b + 4);
     }
 
-    d.columns_.resize(columnCount);
-    for (uint16_t i = 0; i < columnCount; ++i) {
-        const uint8_t* b = r.take(f.columnDescriptorSize, "a column descriptor");
-        Column& c = d.columns_[i];
-        c.raw.assign(b, b + f.columnDescriptorSize);
-        c.descriptorIndex = i;
-        c.typeCode = b[L.colType];
-        c.number = le16(b + L.colNumber);
-        c.varIndex = le16(b + L.colVarIndex);
-        c.collation = le16(b + L.colCollation);
-        c.flags = b[L.colFlags];
-        c.fixedOffset = le16(b + L.colFixedOffset);
-        c.length = le16(b + L.colLength);
-        if (f.isJet3()) {
-            c.codePage = uint16_t(fieldAt(b, L.colCodePage, 2));
-        } else {
-            c.extraFlags = b[L.colExtraFlags];
-            if (c.typeCode == uint8_t(ColumnType::Numeric)) {
-                c.precision = b[L.colPrecision];
-                c.scale = b[L.colScale];
-                c.collation = 0;
-            } else {
-                c.collationVersion = b[L.colCollation + 3];
-            }
-        }
-    }
+    d.columns_.reserve(columnCount);
+    for (uint16_t i = 0; i < columnCount; ++i)
+        d.columns_.push_back(columnFrom(r.take(f.columnDescriptorSize, "a column descriptor"), f, L, i));
     for (auto& c : d.columns_) c.name = readName(r, f, cp);
 
-    for (uint32_t i = 0; i < physicalCount; ++i) {
-        const uint8_t* b = r.take(f.physicalIndexSize, "an index descriptor");
-        PhysicalIndex& x = d.physical_[i];
-        x.raw.assign(b, b + f.physicalIndexSize);
-        for (int k = 0; k < 10; ++k) {
-            uint16_t col = le16(b + L.pixColumns + 3 * k);
-            if (col == 0xFFFF) continue;
-            x.columns.push_back({col, b[L.pixColumns + 3 * k + 2] != 0});
-        }
-        x.ownedMap = le32(b + L.pixOwnedMap);
-        x.rootPage = le32(b + L.pixRootPage);
-        x.flags = b[L.pixFlags];
-    }
+    for (auto& x : d.physical_) readPhysicalIndex(r.take(f.physicalIndexSize, "an index descriptor"), f, L, x);
 
-    d.logical_.resize(logicalCount);
-    for (uint32_t i = 0; i < logicalCount; ++i) {
-        const uint8_t* b = r.take(f.logicalIndexSize, "a logical index descriptor");
-        LogicalIndex& x = d.logical_[i];
-        x.raw.assign(b, b + f.logicalIndexSize);
-        x.number = lei32(b + L.lixNumber);
-        x.physicalIndex = le32(b + L.lixPhysical);
-        x.relatedType = b[L.lixRelatedType];
-        x.relatedIndex = lei32(b + L.lixRelatedIndex);
-        x.relatedTable = le32(b + L.lixRelatedTable);
-        x.cascadeUpdate = b[L.lixCascadeUpdate];
-        x.cascadeDelete = b[L.lixCascadeDelete];
-        x.kind = b[L.lixKind];
-    }
+    d.logical_.reserve(logicalCount);
+    for (uint32_t i = 0; i < logicalCount; ++i)
+        d.logical_.push_back(logicalIndexFrom(r.take(f.logicalIndexSize, "a logical index descriptor"), f, L));
     for (auto& x : d.logical_) x.name = readName(r, f, cp);
 
     while (!r.atEnd(2)) {

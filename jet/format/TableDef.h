@@ -149,7 +149,6 @@ public:
     // Editing. A definition made from nothing has no stream yet; its header starts from the
     // constants a new definition carries.
     static TableDef blank(Version version, uint8_t tableType);
-    void setPages(std::vector<uint32_t> pages) { pages_ = std::move(pages); }
     void setRowCount(uint32_t n) { rowCount_ = n; }
     void setMaxColumns(uint16_t n) { maxColumns_ = n; }
     void setVarColumns(uint16_t n) { varColumns_ = n; }

@@ -5,7 +5,7 @@
 #include "base/Bytes.h"
 #include "base/Utf.h"
 #include "format/CodePage.h"
-#include "pager/Pager.h"
+#include "jet/RuntimeError.h"
 
 namespace jet {
 

@@ -1,6 +1,7 @@
 #include "format/TableDefWriter.h"
 
 #include "base/Bytes.h"
+#include "base/CorruptError.h"
 #include "pager/Pager.h"
 
 namespace jet {

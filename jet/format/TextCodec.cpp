@@ -3,8 +3,8 @@
 #include <cstring>
 
 #include "base/Bytes.h"
+#include "base/CorruptError.h"
 #include "base/Utf.h"
-#include "pager/Pager.h"
 
 namespace jet {
 

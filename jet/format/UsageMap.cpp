@@ -4,6 +4,7 @@
 #include <string>
 
 #include "base/Bytes.h"
+#include "base/CorruptError.h"
 #include "pager/Pager.h"
 
 namespace jet {

@@ -6,6 +6,7 @@
 #include <vector>
 
 #include "base/Bytes.h"
+#include "base/CorruptError.h"
 #include "format/PageAllocator.h"
 #include "pager/Pager.h"
 

@@ -4,7 +4,7 @@
 #include <string>
 #include <vector>
 
-#include "pager/Pager.h"
+#include "base/CorruptError.h"
 
 namespace jet {
 

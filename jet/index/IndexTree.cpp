@@ -3,7 +3,8 @@
 #include <algorithm>
 #include <string>
 
-#include "pager/Pager.h"
+#include "base/CorruptError.h"
+
 
 namespace jet {
 

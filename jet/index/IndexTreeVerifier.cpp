@@ -3,10 +3,10 @@
 #include <string>
 #include <unordered_set>
 
+#include "base/CorruptError.h"
 #include "format/IndexEntry.h"
 #include "format/IndexPage.h"
 #include "index/IndexTree.h"
-#include "pager/Pager.h"
 
 namespace jet {
 namespace {

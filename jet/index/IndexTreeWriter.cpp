@@ -2,9 +2,9 @@
 
 #include <string>
 
+#include "base/CorruptError.h"
 #include "index/IndexKey.h"
 #include "index/IndexTree.h"
-#include "pager/Pager.h"
 
 namespace jet {
 namespace {

@@ -260,14 +260,4 @@ inline void PageRef::release() noexcept {
     frame_ = nullptr;
 }
 
-// Raised for anything in the file that contradicts the format: the file cannot be trusted.
-class CorruptError : public RuntimeError {
-public:
-    explicit CorruptError(const std::string& detail)
-        : RuntimeError(err::Unspecified, "The database file is damaged: " + detail) {}
-};
-
-// RC4 as the file format uses it (header mask, page encryption).
-void rc4Apply(const uint8_t* key, size_t keyLen, uint8_t* data, size_t len);
-
 }  // namespace jet

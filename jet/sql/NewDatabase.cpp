@@ -1,7 +1,5 @@
 #include "jet/NewDatabase.h"
 
-#include <cctype>
-#include <cstdlib>
 #include <cstring>
 
 #include "format/CodePage.h"
@@ -12,6 +10,7 @@
 #include "jet/DateSerial.h"
 #include "pager/Pager.h"
 #include "sql/SystemTables.h"
+#include "table/Catalog.h"
 #include "table/CatalogWriter.h"
 #include "table/Database.h"
 #include "table/TableWriter.h"
@@ -24,16 +23,8 @@ namespace {
 constexpr uint32_t globalMapPage = 1;
 constexpr uint32_t globalMapOwner = 1;
 constexpr uint32_t inlineHeader = 5;
-constexpr uint16_t defaultCodePage = 1251;
 constexpr uint16_t jet4HeaderCodePage = 1252;
 
-// The fixed ids of the objects every database has.
-constexpr int32_t kTopLevel = 0x0F000000;
-constexpr int32_t kTables = 0x0F000001;
-constexpr int32_t kDatabases = 0x0F000002;
-constexpr int32_t kRelationships = 0x0F000003;
-constexpr int32_t kDatabaseObject = 0x10000000;
-constexpr int32_t kSystemFlags = INT32_MIN;  // 0x80000000
 
 // The built-in identities of the permission rows. Jet 3 files carry them as below; Jet 4
 // files carry the values that go with the reference creation date of Header::newPage.
@@ -116,14 +107,14 @@ void writeCatalogue(Database& db) {
                                                  {"DateCreate", Variant::date(now)},
                                                  {"DateUpdate", Variant::date(now)},
                                                  {"Owner", Variant::bytes(owner)},
-                                                 {"Flags", Variant::longValue(kSystemFlags)}}));
+                                                 {"Flags", Variant::longValue(int32_t(object_flag::System))}}));
     };
-    object(kTables, kTopLevel, "Tables", 3, sid.systemOwner);
-    object(kDatabases, kTopLevel, "Databases", 3, sid.systemOwner);
-    object(kRelationships, kTopLevel, "Relationships", 3, sid.systemOwner);
-    object(kDatabaseObject, kDatabases, "MSysDb", 2, sid.admin);
+    object(object_id::Tables, object_id::TopLevel, "Tables", object_type::Container, sid.systemOwner);
+    object(object_id::Databases, object_id::TopLevel, "Databases", object_type::Container, sid.systemOwner);
+    object(object_id::Relationships, object_id::TopLevel, "Relationships", object_type::Container, sid.systemOwner);
+    object(object_id::DatabaseObject, object_id::Databases, "MSysDb", object_type::Database, sid.admin);
     for (SystemTable st : kSystemTables)
-        object(int32_t(systemTablePage(st)), kTables, systemTableName(st), 1, sid.systemOwner);
+        object(int32_t(systemTablePage(st)), object_id::Tables, systemTableName(st), object_type::Table, sid.systemOwner);
 
     TableWriter& aces = t.table(systemTablePage(SystemTable::Aces), "MSysACEs");
     const auto ace = [&](int32_t id, const std::vector<uint8_t>& who, int32_t rights, bool inheritable) {
@@ -137,18 +128,18 @@ void writeCatalogue(Database& db) {
     ace(msysAces, sid.admin, 393216, false);
     ace(msysQueries, sid.admin, 393216, false);
     ace(msysRelationships, sid.admin, 917504, false);
-    ace(kTables, sid.limitedGroup, 983294, true);
-    ace(kTables, sid.admin, 393217, false);
-    ace(kRelationships, sid.limitedGroup, 983294, true);
-    ace(kRelationships, sid.admin, 393217, false);
-    ace(kDatabases, sid.admin, 393216, false);
-    ace(kDatabaseObject, sid.admin, 393230, false);
-    ace(kDatabaseObject, sid.fullGroup, 14, false);
+    ace(object_id::Tables, sid.limitedGroup, 983294, true);
+    ace(object_id::Tables, sid.admin, 393217, false);
+    ace(object_id::Relationships, sid.limitedGroup, 983294, true);
+    ace(object_id::Relationships, sid.admin, 393217, false);
+    ace(object_id::Databases, sid.admin, 393216, false);
+    ace(object_id::DatabaseObject, sid.admin, 393230, false);
+    ace(object_id::DatabaseObject, sid.fullGroup, 14, false);
     ace(msysQueries, sid.fullGroup, 20, false);
     ace(msysRelationships, sid.fullGroup, 20, false);
     ace(msysObjects, sid.fullGroup, 20, false);
-    ace(kTables, sid.fullGroup, 1048319, true);
-    ace(kRelationships, sid.fullGroup, 1048575, true);
+    ace(object_id::Tables, sid.fullGroup, 1048319, true);
+    ace(object_id::Relationships, sid.fullGroup, 1048575, true);
     t.commit();
 }
 
@@ -182,24 +173,6 @@ void replaceDatabaseFile(Env& env, File& source, uint32_t pageSize, const std::s
 }
 
 }  // namespace
-
-uint16_t programCodePage() {
-    const char* env = std::getenv("SHEETWRIGHT_CODEPAGE");
-    if (!env || !*env) return defaultCodePage;
-    std::string name(env);
-    for (char& c : name) c = char(std::tolower(static_cast<unsigned char>(c)));
-    for (const char* prefix : {"windows-", "cp"})
-        if (name.rfind(prefix, 0) == 0) name.erase(0, std::strlen(prefix));
-    if (name.empty() || name.size() > 5 || name.find_first_not_of("0123456789") != std::string::npos)
-        return defaultCodePage;
-    const unsigned long number = std::stoul(name);
-    try {
-        CodePage::get(uint16_t(number));
-        return uint16_t(number);
-    } catch (const RuntimeError&) {
-        return defaultCodePage;
-    }
-}
 
 void createDatabase(const std::string& path, Version version, uint16_t codePage, Env& env) {
     const Format& f = Format::of(version);

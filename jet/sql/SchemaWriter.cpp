@@ -57,7 +57,7 @@ const CatalogEntry& userTable(const Database& db, const std::string& name) {
 
 bool nameTaken(const Database& db, const std::string& name) {
     for (const CatalogEntry& e : db.catalog().entries())
-        if (e.parentId == TablesContainerId && equalsIgnoreCase(e.name, name)) return true;
+        if (e.parentId == object_id::Tables && equalsIgnoreCase(e.name, name)) return true;
     return false;
 }
 

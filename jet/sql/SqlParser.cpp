@@ -16,6 +16,7 @@ constexpr const char* kBadCreate = "Syntax error in CREATE TABLE statement.";
 constexpr const char* kBadField = "Syntax error in field definition.";
 constexpr const char* kBadAlter = "Syntax error in ALTER TABLE statement.";
 constexpr const char* kBadDrop = "Syntax error in DROP TABLE or DROP INDEX.";
+constexpr const char* kBadQuery = "Invalid SQL statement; only SELECT * FROM a table can be opened as a record set.";
 
 [[noreturn]] void fail(const char* text) { throw RuntimeError(err::SyntaxError, text); }
 
@@ -25,7 +26,7 @@ std::string upper(std::string_view s) {
     return r;
 }
 
-enum class Tok { Word, Bracketed, Number, LParen, RParen, Comma, Semicolon, End };
+enum class Tok { Word, Bracketed, Number, LParen, RParen, Comma, Semicolon, Star, End };
 
 struct Token {
     Tok kind;
@@ -41,8 +42,9 @@ public:
     explicit Lexer(std::string_view s) : s_(s) {}
 
     // Characters that no statement can contain (quotes, operators, dots) are a syntax
-    // error reported with the text of the statement being parsed.
-    Token next(const char* errorText) {
+    // error reported with the text of the statement being parsed; "*" is a token only
+    // where a query asks for it.
+    Token next(const char* errorText, bool starAllowed) {
         while (pos_ < s_.size() && std::isspace(static_cast<unsigned char>(s_[pos_]))) ++pos_;
         if (pos_ == s_.size()) return {Tok::End, {}};
         unsigned char c = static_cast<unsigned char>(s_[pos_]);
@@ -63,6 +65,9 @@ public:
         case ')': return {Tok::RParen, ")"};
         case ',': return {Tok::Comma, ","};
         case ';': return {Tok::Semicolon, ";"};
+        case '*':
+            if (!starAllowed) fail(errorText);
+            return {Tok::Star, "*"};
         case '[': {
             size_t close = s_.find(']', pos_);
             if (close == std::string_view::npos) fail(errorText);
@@ -80,6 +85,54 @@ private:
     size_t pos_ = 0;
 };
 
+// The type words of a column declaration, with what may follow them.
+enum class Extra { None, Length, Counter, PrecisionScale };
+
+struct TypeWord {
+    const char* word;
+    ColumnType type;
+    Extra extra;
+};
+
+constexpr TypeWord kTypeWords[] = {
+    {"TEXT", ColumnType::Text, Extra::Length},       {"VARCHAR", ColumnType::Text, Extra::Length},
+    {"CHAR", ColumnType::Text, Extra::Length},       {"NCHAR", ColumnType::Text, Extra::Length},
+    {"NVARCHAR", ColumnType::Text, Extra::Length},   {"CHARACTER", ColumnType::Text, Extra::Length},
+    {"STRING", ColumnType::Text, Extra::Length},     {"ALPHANUMERIC", ColumnType::Text, Extra::Length},
+    {"MEMO", ColumnType::Memo, Extra::None},         {"LONGTEXT", ColumnType::Memo, Extra::None},
+    {"LONGCHAR", ColumnType::Memo, Extra::None},     {"NOTE", ColumnType::Memo, Extra::None},
+    {"NTEXT", ColumnType::Memo, Extra::None},        {"BINARY", ColumnType::Binary, Extra::Length},
+    {"VARBINARY", ColumnType::Binary, Extra::Length}, {"LONGBINARY", ColumnType::Ole, Extra::None},
+    {"OLEOBJECT", ColumnType::Ole, Extra::None},     {"IMAGE", ColumnType::Ole, Extra::None},
+    {"GENERAL", ColumnType::Ole, Extra::None},       {"BYTE", ColumnType::Byte, Extra::None},
+    {"TINYINT", ColumnType::Byte, Extra::None},      {"INTEGER1", ColumnType::Byte, Extra::None},
+    {"SHORT", ColumnType::Int, Extra::None},         {"SMALLINT", ColumnType::Int, Extra::None},
+    {"INTEGER2", ColumnType::Int, Extra::None},      {"INTEGER", ColumnType::Long, Extra::None},
+    {"LONG", ColumnType::Long, Extra::None},         {"INT", ColumnType::Long, Extra::None},
+    {"INTEGER4", ColumnType::Long, Extra::None},     {"COUNTER", ColumnType::Long, Extra::Counter},
+    {"AUTOINCREMENT", ColumnType::Long, Extra::Counter}, {"IDENTITY", ColumnType::Long, Extra::Counter},
+    {"SINGLE", ColumnType::Float, Extra::None},      {"REAL", ColumnType::Float, Extra::None},
+    {"FLOAT4", ColumnType::Float, Extra::None},      {"IEEESINGLE", ColumnType::Float, Extra::None},
+    {"DOUBLE", ColumnType::Double, Extra::None},     {"FLOAT", ColumnType::Double, Extra::None},
+    {"FLOAT8", ColumnType::Double, Extra::None},     {"NUMBER", ColumnType::Double, Extra::None},
+    {"IEEEDOUBLE", ColumnType::Double, Extra::None}, {"CURRENCY", ColumnType::Money, Extra::None},
+    {"MONEY", ColumnType::Money, Extra::None},       {"DATETIME", ColumnType::DateTime, Extra::None},
+    {"DATE", ColumnType::DateTime, Extra::None},     {"TIME", ColumnType::DateTime, Extra::None},
+    {"TIMESTAMP", ColumnType::DateTime, Extra::None}, {"BIT", ColumnType::Bool, Extra::None},
+    {"YESNO", ColumnType::Bool, Extra::None},        {"LOGICAL", ColumnType::Bool, Extra::None},
+    {"LOGICAL1", ColumnType::Bool, Extra::None},     {"BOOLEAN", ColumnType::Bool, Extra::None},
+    {"GUID", ColumnType::Guid, Extra::None},         {"UNIQUEIDENTIFIER", ColumnType::Guid, Extra::None},
+    {"DECIMAL", ColumnType::Numeric, Extra::PrecisionScale}, {"NUMERIC", ColumnType::Numeric, Extra::PrecisionScale},
+    {"DEC", ColumnType::Numeric, Extra::PrecisionScale},
+};
+
+// The entry of an upper-case word, or null when it names no type.
+const TypeWord* typeWord(const std::string& word) {
+    for (const TypeWord& t : kTypeWords)
+        if (word == t.word) return &t;
+    return nullptr;
+}
+
 class Parser {
 public:
     explicit Parser(std::string_view s) : lex_(s) {}
@@ -94,8 +147,20 @@ public:
         fail(kBadStatement);
     }
 
+    SelectAll selectAll() {
+        errorText_ = kBadQuery;
+        advance();
+        if (keyword() != "SELECT") fail(kBadQuery);
+        advance(true);
+        expect(Tok::Star);
+        expectKeyword("FROM");
+        SelectAll query{name()};
+        finish();
+        return query;
+    }
+
 private:
-    void advance() { tok_ = lex_.next(errorText_); }
+    void advance(bool starAllowed = false) { tok_ = lex_.next(errorText_, starAllowed); }
 
     // The current token as an upper-case keyword, or "" when it is not a bare word.
     std::string keyword() const { return tok_.kind == Tok::Word ? upper(tok_.text) : std::string(); }
@@ -149,70 +214,41 @@ private:
         ColumnDeclaration c;
         c.name = name();
         errorText_ = kBadField;
-        std::string word = keyword();
-        if (word.empty()) fail(kBadField);
+        const TypeWord* type = typeWord(keyword());
+        if (!type) fail(kBadField);
         advance();
-        if (word == "TEXT" || word == "VARCHAR" || word == "CHAR" || word == "NCHAR" ||
-            word == "NVARCHAR" || word == "CHARACTER" || word == "STRING" || word == "ALPHANUMERIC") {
-            c.type = ColumnType::Text;
+        c.type = type->type;
+        switch (type->extra) {
+        case Extra::None: break;
+        case Extra::Length: {
             uint32_t n = optionalSize().value_or(255);
             if (n < 1 || n > 255) fail(kBadField);
             c.length = uint16_t(n);
-        } else if (word == "MEMO" || word == "LONGTEXT" || word == "LONGCHAR" || word == "NOTE" ||
-                   word == "NTEXT") {
-            c.type = ColumnType::Memo;
-        } else if (word == "BINARY" || word == "VARBINARY") {
-            c.type = ColumnType::Binary;
-            uint32_t n = optionalSize().value_or(255);
-            if (n < 1 || n > 255) fail(kBadField);
-            c.length = uint16_t(n);
-        } else if (word == "LONGBINARY" || word == "OLEOBJECT" || word == "IMAGE" || word == "GENERAL") {
-            c.type = ColumnType::Ole;
-        } else if (word == "BYTE" || word == "TINYINT" || word == "INTEGER1") {
-            c.type = ColumnType::Byte;
-        } else if (word == "SHORT" || word == "SMALLINT" || word == "INTEGER2") {
-            c.type = ColumnType::Int;
-        } else if (word == "INTEGER" || word == "LONG" || word == "INT" || word == "INTEGER4") {
-            c.type = ColumnType::Long;
-        } else if (word == "COUNTER" || word == "AUTOINCREMENT" || word == "IDENTITY") {
-            c.type = ColumnType::Long;
-            c.autoNumber = true;
-        } else if (word == "SINGLE" || word == "REAL" || word == "FLOAT4" || word == "IEEESINGLE") {
-            c.type = ColumnType::Float;
-        } else if (word == "DOUBLE" || word == "FLOAT" || word == "FLOAT8" || word == "NUMBER" ||
-                   word == "IEEEDOUBLE") {
-            c.type = ColumnType::Double;
-        } else if (word == "CURRENCY" || word == "MONEY") {
-            c.type = ColumnType::Money;
-        } else if (word == "DATETIME" || word == "DATE" || word == "TIME" || word == "TIMESTAMP") {
-            c.type = ColumnType::DateTime;
-        } else if (word == "BIT" || word == "YESNO" || word == "LOGICAL" || word == "LOGICAL1" ||
-                   word == "BOOLEAN") {
-            c.type = ColumnType::Bool;
-        } else if (word == "GUID" || word == "UNIQUEIDENTIFIER") {
-            c.type = ColumnType::Guid;
-        } else if (word == "DECIMAL" || word == "NUMERIC" || word == "DEC") {
-            c.type = ColumnType::Numeric;
-            c.precision = 18;
-            c.scale = 0;
-            if (tok_.kind == Tok::LParen) {
-                advance();
-                uint32_t p = number();
-                uint32_t s = 0;
-                if (tok_.kind == Tok::Comma) {
-                    advance();
-                    s = number();
-                }
-                expect(Tok::RParen);
-                if (p < 1 || p > 28 || s > p) fail(kBadField);
-                c.precision = uint8_t(p);
-                c.scale = uint8_t(s);
-            }
-        } else {
-            fail(kBadField);
+            break;
+        }
+        case Extra::Counter: c.autoNumber = true; break;
+        case Extra::PrecisionScale: precisionAndScale(c); break;
         }
         errorText_ = outer;
         return c;
+    }
+
+    // "(p)" or "(p, s)" after DECIMAL; 18 and 0 without them.
+    void precisionAndScale(ColumnDeclaration& c) {
+        c.precision = 18;
+        c.scale = 0;
+        if (tok_.kind != Tok::LParen) return;
+        advance();
+        uint32_t p = number();
+        uint32_t s = 0;
+        if (tok_.kind == Tok::Comma) {
+            advance();
+            s = number();
+        }
+        expect(Tok::RParen);
+        if (p < 1 || p > 28 || s > p) fail(kBadField);
+        c.precision = uint8_t(p);
+        c.scale = uint8_t(s);
     }
 
     Statement create() {
@@ -298,5 +334,7 @@ bool isReservedWord(std::string_view word) {
 }
 
 Statement parse(std::string_view text) { return Parser(text).statement(); }
+
+SelectAll parseSelectAll(std::string_view text) { return Parser(text).selectAll(); }
 
 }  // namespace jet::sql

@@ -16,6 +16,11 @@ namespace jet::sql {
 // is not one of CREATE TABLE, ALTER TABLE ... ADD/DROP/RENAME, DROP TABLE, or is malformed.
 Statement parse(std::string_view text);
 
+// "SELECT * FROM name", read as the statements above are (keywords in any case, the name
+// bare or in brackets, an optional ";"). Throws RuntimeError with err::SyntaxError for
+// any other text.
+SelectAll parseSelectAll(std::string_view text);
+
 // True for the words that cannot stand as a bare name (compared case-insensitively).
 bool isReservedWord(std::string_view word);
 

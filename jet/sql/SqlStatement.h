@@ -50,4 +50,9 @@ struct DropTable {
 
 using Statement = std::variant<CreateTable, AddColumn, DropColumn, RenameColumn, DropTable>;
 
+// The one query a record set opens: every column and row of a table.
+struct SelectAll {
+    std::string table;
+};
+
 }  // namespace jet::sql

@@ -3,6 +3,7 @@
 #include <algorithm>
 
 #include "base/Bytes.h"
+#include "base/CorruptError.h"
 #include "base/Utf.h"
 #include "format/TextCodec.h"
 #include "table/Database.h"

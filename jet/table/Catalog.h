@@ -28,7 +28,15 @@ inline constexpr uint32_t AccessSystem = 0x00000002u;
 inline constexpr uint32_t Hidden = 0x00000008u;
 }  // namespace object_flag
 
-inline constexpr int32_t TablesContainerId = 0x0F000001;
+// The fixed ids of the objects every database has: the containers, whose ids are also the
+// ParentId of what they hold, and the database object itself.
+namespace object_id {
+inline constexpr int32_t TopLevel = 0x0F000000;
+inline constexpr int32_t Tables = 0x0F000001;  // the parent of every table
+inline constexpr int32_t Databases = 0x0F000002;
+inline constexpr int32_t Relationships = 0x0F000003;
+inline constexpr int32_t DatabaseObject = 0x10000000;
+}  // namespace object_id
 
 struct CatalogEntry {
     int32_t id = 0;
@@ -40,7 +48,7 @@ struct CatalogEntry {
     double dateUpdate = 0;
     RowLocation row;  // where the entry is stored in MSysObjects
 
-    bool isTable() const { return type == object_type::Table && parentId == TablesContainerId; }
+    bool isTable() const { return type == object_type::Table && parentId == object_id::Tables; }
     // A table the user made: not the engine's or Access's own, not hidden.
     bool isUserTable() const {
         return isTable() && !(flags & (object_flag::System | object_flag::AccessSystem | object_flag::Hidden));

@@ -1,6 +1,7 @@
 #include "table/CatalogWriter.h"
 
 #include "base/Bytes.h"
+#include "base/CorruptError.h"
 #include "base/Utf.h"
 #include "table/Database.h"
 #include "table/LongValue.h"
@@ -12,7 +13,6 @@ namespace jet {
 
 namespace {
 
-constexpr int32_t kDatabaseObjectId = 0x10000000;  // the row "MSysDb"
 // Rights Access gives a new table, and those of the Tables container's inheritable entry
 // for the limited group, which a table does not get.
 constexpr int32_t kNewTableRights = 0xFFEFF;
@@ -44,13 +44,13 @@ void CatalogWriter::addTable(int32_t id, const std::string& name, double now) {
     Variant owner = Variant::null();
     const Column& ownerColumn = objects->def().columns()[columnIndex(objects->def(), "Owner")];
     for (const CatalogEntry& e : db.catalog().entries()) {
-        if (e.id != kDatabaseObjectId) continue;
+        if (e.id != object_id::DatabaseObject) continue;
         ColumnBytes sid = objects->reader(e.row).column(ownerColumn);
         if (sid.present) owner = Variant::bytes({sid.bytes.begin(), sid.bytes.end()});
     }
     TableWriter& objectsWriter = t_.table("MSysObjects");
     objectsWriter.insert(rowByName(objectsWriter.def(), {{"Id", Variant::longValue(id)},
-                                                         {"ParentId", Variant::longValue(TablesContainerId)},
+                                                         {"ParentId", Variant::longValue(object_id::Tables)},
                                                          {"Name", Variant::string(name)},
                                                          {"Type", Variant::integer(object_type::Table)},
                                                          {"DateCreate", Variant::date(now)},
@@ -66,7 +66,7 @@ void CatalogWriter::addTable(int32_t id, const std::string& name, double now) {
     std::vector<std::vector<uint8_t>> sids;
     for (RowLocation at : aces->rowLocations()) {
         RowReader row = aces->reader(at);
-        if (longColumn(row, objectId) != TablesContainerId || longColumn(row, rights) == kInheritedLimitedRights)
+        if (longColumn(row, objectId) != object_id::Tables || longColumn(row, rights) == kInheritedLimitedRights)
             continue;
         ColumnBytes s = row.column(sid);
         sids.emplace_back(s.bytes.begin(), s.bytes.end());

@@ -1,6 +1,7 @@
 #include "table/Database.h"
 
 #include "base/Bytes.h"
+#include "base/CorruptError.h"
 #include "table/Table.h"
 #include "table/Transaction.h"
 

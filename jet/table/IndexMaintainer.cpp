@@ -2,8 +2,8 @@
 
 #include <cstdio>
 
+#include "base/CorruptError.h"
 #include "index/IndexTreeWriter.h"
-#include "pager/Pager.h"
 #include "table/Database.h"
 #include "table/RowReader.h"
 

@@ -4,6 +4,7 @@
 #include <set>
 
 #include "base/Bytes.h"
+#include "base/CorruptError.h"
 #include "table/Database.h"
 
 namespace jet {

@@ -47,8 +47,6 @@ public:
     // Offset of the first byte after the variable data, and of variable slot k's value.
     uint32_t endOfData() const;
     uint32_t varOffset(uint16_t k) const;
-    // Start of the trailer (end-of-data field, offsets, jump table, count, mask).
-    uint32_t trailerStart() const { return trailerStart_; }
 
 private:
     const Format& f_;
@@ -57,7 +55,7 @@ private:
     uint32_t maskSize_ = 0;
     uint16_t varCount_ = 0;
     bool hasVarSection_ = false;
-    uint32_t trailerStart_ = 0;
+    uint32_t trailerStart_ = 0;  // the end-of-data field, offsets, jump table, count and mask
     std::vector<uint16_t> jet3Offsets_;  // Jet 3: slot offsets with the jump table applied, eod last
     PageRef pin_;
 };

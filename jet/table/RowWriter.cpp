@@ -16,6 +16,61 @@ uint32_t fixedWidth(const Column& c) {
     return size ? size : c.length;
 }
 
+RuntimeError tooLarge() { return RuntimeError(err::Unspecified, "Record is too large."); }
+
+void appendLe16(std::vector<uint8_t>& row, uint16_t v) {
+    uint8_t two[2];
+    putLe16(two, v);
+    row.insert(row.end(), two, two + 2);
+}
+
+// Jet 4's trailer after the variable data: the end-of-data offset, the variable offsets
+// last to first and their count, all 16-bit.
+void appendJet4Offsets(std::vector<uint8_t>& row, const std::vector<uint32_t>& offsets, uint16_t varCount) {
+    appendLe16(row, uint16_t(offsets[varCount]));
+    for (int k = varCount - 1; k >= 0; --k) appendLe16(row, uint16_t(offsets[k]));
+    appendLe16(row, varCount);
+}
+
+// Jet 3's trailer: one-byte offsets, so a jump table says which slot is the first to lie
+// beyond each 256-byte boundary the variable data crosses. Its size counts itself (the
+// boundaries are those of the whole row, trailer and mask included), which can leave at
+// most one 0xFF filler entry before the real jumps.
+void appendJet3Offsets(std::vector<uint8_t>& row, const std::vector<uint32_t>& offsets, uint16_t varCount,
+                       uint32_t maskSize) {
+    const uint32_t eod = offsets[varCount];
+    const uint32_t base = eod + 1 + varCount + 1 + maskSize;
+    uint32_t slots = 0;
+    for (;;) {
+        uint32_t next = (base + slots - 1) / 256;
+        if (next == slots) break;
+        slots = next;
+    }
+    const uint32_t realJumps = eod / 256;
+    if (slots < realJumps || slots - realJumps > 1) throw tooLarge();
+    row.push_back(uint8_t(eod));
+    for (int k = varCount - 1; k >= 0; --k) row.push_back(uint8_t(offsets[k]));
+    for (uint32_t k = realJumps; k < slots; ++k) row.push_back(0xFF);
+    for (int j = int(realJumps) - 1; j >= 0; --j) {
+        uint32_t slot = 0;
+        while (offsets[slot] < 256u * uint32_t(j + 1)) ++slot;  // eod (slot varCount) always qualifies
+        row.push_back(uint8_t(slot));
+    }
+    row.push_back(uint8_t(varCount));
+}
+
+// Puts a fixed column's bytes at its offset; fixed text is padded with spaces in the
+// column's encoding.
+void writeFixed(const Format& f, const Column& c, const StoredValue& v, uint8_t* at) {
+    const uint32_t width = fixedWidth(c);
+    const size_t take = std::min<size_t>(v.bytes.size(), width);
+    std::copy_n(v.bytes.begin(), take, at);
+    if (c.type() == ColumnType::Text) {
+        const size_t step = f.isJet3() ? 1 : 2;
+        for (size_t k = take; k + step <= width; k += step) at[k] = ' ';
+    }
+}
+
 }  // namespace
 
 std::vector<uint8_t> encodeRow(const Format& f, const TableDef& def, const std::vector<StoredValue>& values) {
@@ -49,16 +104,7 @@ std::vector<uint8_t> encodeRow(const Format& f, const TableDef& def, const std::
         if (v.present) mask[c.number / 8] |= uint8_t(1u << (c.number % 8));
         if (c.type() == ColumnType::Bool) continue;
         if (c.isFixed()) {
-            if (!v.present) continue;
-            const uint32_t width = fixedWidth(c);
-            uint8_t* at = row.data() + n + c.fixedOffset;
-            size_t take = std::min<size_t>(v.bytes.size(), width);
-            std::copy_n(v.bytes.begin(), take, at);
-            if (c.type() == ColumnType::Text) {
-                // Fixed text is padded with spaces in the column's encoding.
-                const size_t step = f.isJet3() ? 1 : 2;
-                for (size_t k = take; k + step <= width; k += step) at[k] = ' ';
-            }
+            if (v.present) writeFixed(f, c, v, row.data() + n + c.fixedOffset);
         } else if (v.present && c.varIndex < varCount) {
             bySlot[c.varIndex] = &v;
         }
@@ -72,41 +118,14 @@ std::vector<uint8_t> encodeRow(const Format& f, const TableDef& def, const std::
         }
         offsets[varCount] = uint32_t(row.size());  // end of data
     }
-    const uint32_t eod = uint32_t(row.size());
-    auto tooLarge = [] { return RuntimeError(err::Unspecified, "Record is too large."); };
-    if (eod > f.maxRowSize) throw tooLarge();
+    if (row.size() > f.maxRowSize) throw tooLarge();
 
     if (varCount == 0) {
         while (row.size() + maskSize < minimumRowLength) row.push_back(0);
-    } else if (!f.isJet3()) {
-        uint8_t two[2];
-        putLe16(two, uint16_t(eod));
-        row.insert(row.end(), two, two + 2);
-        for (int k = varCount - 1; k >= 0; --k) {
-            putLe16(two, uint16_t(offsets[k]));
-            row.insert(row.end(), two, two + 2);
-        }
-        putLe16(two, varCount);
-        row.insert(row.end(), two, two + 2);
+    } else if (f.isJet3()) {
+        appendJet3Offsets(row, offsets, varCount, maskSize);
     } else {
-        const uint32_t base = eod + 1 + varCount + 1 + maskSize;
-        uint32_t slots = 0;
-        for (;;) {
-            uint32_t next = (base + slots - 1) / 256;
-            if (next == slots) break;
-            slots = next;
-        }
-        const uint32_t realJumps = eod / 256;
-        if (slots < realJumps || slots - realJumps > 1) throw tooLarge();
-        row.push_back(uint8_t(eod));
-        for (int k = varCount - 1; k >= 0; --k) row.push_back(uint8_t(offsets[k]));
-        for (uint32_t k = realJumps; k < slots; ++k) row.push_back(0xFF);
-        for (int j = int(realJumps) - 1; j >= 0; --j) {
-            uint32_t slot = 0;
-            while (offsets[slot] < 256u * uint32_t(j + 1)) ++slot;  // eod (slot varCount) always qualifies
-            row.push_back(uint8_t(slot));
-        }
-        row.push_back(uint8_t(varCount));
+        appendJet4Offsets(row, offsets, varCount);
     }
     row.insert(row.end(), mask.begin(), mask.end());
     if (row.size() > f.maxRowSize) throw tooLarge();

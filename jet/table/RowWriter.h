@@ -28,7 +28,4 @@ struct StoredValue {
 // `values` is indexed like def.columns().
 std::vector<uint8_t> encodeRow(const Format& format, const TableDef& def, const std::vector<StoredValue>& values);
 
-// The largest length a row may take; rows beyond it are refused.
-inline uint32_t rowLimit(const Format& format) { return format.maxRowSize; }
-
 }  // namespace jet

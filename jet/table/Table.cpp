@@ -1,5 +1,6 @@
 #include "table/Table.h"
 
+#include "base/CorruptError.h"
 #include "format/UsageMap.h"
 #include "table/Database.h"
 

@@ -3,6 +3,7 @@
 #include <random>
 
 #include "base/Bytes.h"
+#include "base/CorruptError.h"
 #include "format/DataPageWriter.h"
 #include "index/TableIndexPages.h"
 #include "table/Database.h"

@@ -3,6 +3,7 @@
 #include <cstdio>
 
 #include "base/Bytes.h"
+#include "base/CorruptError.h"
 #include "format/TextCodec.h"
 #include "table/Database.h"
 #include "table/LongValue.h"

@@ -12,6 +12,7 @@
 #include "jet/Checker.h"
 #include "jet/Connection.h"
 #include "jet/NewDatabase.h"
+#include "rt/AnsiCodePage.h"
 #include "table/Database.h"
 
 using namespace host;
@@ -100,7 +101,7 @@ TEST(SetupProgram, WritesTheDefaultsAndAnEmptyAccess97TemplateWhereTheEnvironmen
     jet::Connection cn;
     cn.Open("Provider=microsoft.jet.OLEDB.3.51;Data Source=" + path);
     EXPECT_EQ(cn.database()->version(), jet::Version::Jet3);
-    EXPECT_EQ(cn.database()->header().codePage(), jet::programCodePage());
+    EXPECT_EQ(cn.database()->header().codePage(), rt::AnsiCodePage::current().number());
     EXPECT_TRUE(cn.database()->catalog().userTables().empty());
     cn.Execute("CREATE TABLE Table1 (__custom INTEGER);");
     cn.Close();

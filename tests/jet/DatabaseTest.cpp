@@ -5,6 +5,8 @@
 #include <functional>
 
 #include "base/Bytes.h"
+#include "base/CorruptError.h"
+#include "base/Rc4.h"
 #include "format/Header.h"
 #include "table/Database.h"
 #include "table/Table.h"

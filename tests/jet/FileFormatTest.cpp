@@ -5,6 +5,7 @@
 #include <gtest/gtest.h>
 
 #include "base/Bytes.h"
+#include "base/CorruptError.h"
 #include "base/Utf.h"
 #include "format/CodePage.h"
 #include "format/Header.h"

@@ -11,6 +11,7 @@
 #include <set>
 
 #include "VectorIndexPages.h"
+#include "base/CorruptError.h"
 #include "format/IndexEntry.h"
 #include "format/IndexPage.h"
 #include "index/IndexKey.h"
@@ -18,7 +19,6 @@
 #include "index/IndexTree.h"
 #include "index/IndexTreeVerifier.h"
 #include "index/IndexTreeWriter.h"
-#include "pager/Pager.h"
 #include "testkit/TestFiles.h"
 
 namespace {

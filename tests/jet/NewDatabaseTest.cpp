@@ -3,7 +3,6 @@
 // and what replacing a file may and may not do.
 #include <gtest/gtest.h>
 
-#include <cstdlib>
 #include <filesystem>
 
 #include "base/Bytes.h"
@@ -134,24 +133,11 @@ TEST(NewDatabase, PagesAndCatalogueIndexesAreWhereAndWhatAccessMakesThem) {
     EXPECT_THROW(cn.Open("Provider=microsoft.jet.OLEDB.3.51;Data Source=" + dir.file("new4.mdb")), jet::RuntimeError);
 }
 
-TEST(NewDatabase, TheCodePageComesFromTheEnvironmentLikeTheProgramsOwn) {
-    const char* saved = std::getenv("SHEETWRIGHT_CODEPAGE");
-    const std::string keep = saved ? saved : "";
-    const std::pair<const char*, uint16_t> cases[] = {
-        {"", 1251}, {"windows-1252", 1252}, {"CP1250", 1250}, {"1253", 1253}, {"utf-8", 1251}, {"windows-65001x", 1251}};
-    for (const auto& [value, expected] : cases) {
-        ::setenv("SHEETWRIGHT_CODEPAGE", value, 1);
-        EXPECT_EQ(expected, jet::programCodePage()) << value;
-    }
-    if (saved) ::setenv("SHEETWRIGHT_CODEPAGE", keep.c_str(), 1);
-    else ::unsetenv("SHEETWRIGHT_CODEPAGE");
-}
-
 TEST(NewDatabase, ReplacingAFileRefusesOneInUseAndLeavesNothingBehindOnFailure) {
     TempDir dir;
     const std::string path = dir.file("old.mdb");
     writeAll(path, "not a database at all");
-    jet::createDatabase(path, Version::Jet4);
+    jet::createDatabase(path, Version::Jet4, 1251);
     EXPECT_EQ(65536u, fs::file_size(path));
     EXPECT_FALSE(fs::exists(path + ".creating"));
     EXPECT_FALSE(fs::exists(dir.file("old.ldb")));
@@ -159,13 +145,13 @@ TEST(NewDatabase, ReplacingAFileRefusesOneInUseAndLeavesNothingBehindOnFailure) 
         jet::Connection reader;
         reader.Open("Provider=microsoft.jet.OLEDB.4.0;Data Source=" + path);
         const std::string before = readAll(path);
-        EXPECT_THROW(jet::createDatabase(path, Version::Jet3), jet::RuntimeError);
+        EXPECT_THROW(jet::createDatabase(path, Version::Jet3, 1251), jet::RuntimeError);
         EXPECT_THROW(jet::copyDatabase(fixturePath("testV1997.mdb"), path), jet::RuntimeError);
         EXPECT_EQ(before, readAll(path)) << "a database someone has open stays as it was";
         EXPECT_FALSE(fs::exists(path + ".creating"));
     }
     try {
-        jet::createDatabase(dir.file("missing/folder/new.mdb"), Version::Jet3);
+        jet::createDatabase(dir.file("missing/folder/new.mdb"), Version::Jet3, 1251);
         ADD_FAILURE() << "a folder that does not exist";
     } catch (const jet::RuntimeError& e) {
         EXPECT_NE(std::string::npos, e.description().find("cannot be created")) << e.description();

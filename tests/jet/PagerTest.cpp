@@ -6,6 +6,7 @@
 
 #include <filesystem>
 
+#include "base/CorruptError.h"
 #include "pager/Journal.h"
 #include "testkit/CrashLoop.h"
 #include "testkit/FaultInjectionEnv.h"

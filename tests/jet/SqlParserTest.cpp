@@ -116,5 +116,33 @@ TEST(SqlParser, FailuresTheProgramReliesOnAndReservedWords) {
     EXPECT_FALSE(isReservedWord("__custom"));
 }
 
+TEST(SqlParser, TheRecordSetsQueryReadsItsNameAsTheStatementsDo) {
+    const std::vector<std::pair<const char*, const char*>> cases = {
+        {"SELECT * FROM Table1", "Table1"},
+        {"select*from[My Table];", "My Table"},
+        {"SELECT * FROM Таблица ;", "Таблица"},
+        {"SELECT * FROM [select]", "select"},
+        {"SELECT * FROM table", nullptr},  // reserved, as in CREATE TABLE
+        {"SELECT * FROM my table", nullptr},
+        {"SELECT * FROM ", nullptr},
+        {"SELECT A FROM Table1", nullptr},
+        {"SELECT * FROM Table1 WHERE 1", nullptr},
+        {"SELECT * FROM t.x", nullptr},
+        {"CREATE TABLE t (a INTEGER)", nullptr},
+    };
+    for (const auto& [sql, table] : cases) {
+        if (table) {
+            EXPECT_EQ(table, parseSelectAll(sql).table) << sql;
+            continue;
+        }
+        try {
+            parseSelectAll(sql);
+            ADD_FAILURE() << sql;
+        } catch (const RuntimeError& e) {
+            EXPECT_EQ(err::SyntaxError, e.number()) << sql;
+        }
+    }
+    EXPECT_EQ(err::SyntaxError, errorOf("CREATE TABLE t (a *)")) << "a star only where a query takes one";
+}
 
 }  // namespace

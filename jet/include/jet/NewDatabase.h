@@ -22,21 +22,14 @@ namespace jet {
 
 class Env;
 
-// The code page new Jet 3 files take: the program's ANSI code page, Windows-1251 unless the
-// environment variable SHEETWRIGHT_CODEPAGE names another Windows code page ("windows-1252",
-// "cp1252" or "1252") that the engine can convert. Jet 4 files hold Unicode text and say
-// 1252 in their header whatever this is.
-uint16_t programCodePage();
-
 // Writes a new, empty database at `path`, replacing a file of that name. Jet 3 files get
-// `codePage` and the "General" sort order, so text of that code page can be stored in
-// them. Throws RuntimeError when the file cannot be written; nothing is left behind then.
-// The Env overloads let tests put a fault-injecting file system underneath.
+// `codePage` (the program's ANSI code page, as CodePages.h says) and the "General" sort
+// order, so text of that code page can be stored in them; Jet 4 files hold Unicode text
+// and say 1252 in their header whatever `codePage` is. Throws RuntimeError for a code page
+// the engine cannot convert and when the file cannot be written; nothing is left behind
+// then. The Env overloads let tests put a fault-injecting file system underneath.
 void createDatabase(const std::string& path, Version version, uint16_t codePage);
 void createDatabase(const std::string& path, Version version, uint16_t codePage, Env& env);
-inline void createDatabase(const std::string& path, Version version) {
-    createDatabase(path, version, programCodePage());
-}
 
 // Replaces the database at `target` (or creates it) with a byte-for-byte copy of the
 // database at `source`. Throws RuntimeError when the source cannot be read as a database

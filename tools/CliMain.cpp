@@ -94,10 +94,7 @@ int load(const Args& a) {
     if (!csv) throw std::runtime_error("cannot open '" + a[2] + "'");
     jet::Connection cn;
     openFile(cn, a[0]);
-    jet::Recordset rs;
-    rs.Open("SELECT * FROM [" + a[1] + "]", cn, 2, 4);
-    const size_t rows = sheetwright::cli::importCsv(csv, rs);
-    rs.Close();
+    const size_t rows = sheetwright::cli::importCsv(csv, cn, a[1]);
     std::cout << rows << " rows loaded into " << a[1] << "\n";
     return 0;
 }

@@ -1,6 +1,7 @@
 #include "CsvExport.h"
 
-#include <cstdio>
+#include <charconv>
+#include <cstring>
 
 #include "jet/DateSerial.h"
 
@@ -8,94 +9,143 @@ namespace sheetwright::cli {
 
 namespace {
 
-std::string quoted(const std::string& s) {
-    std::string out = "\"";
-    for (char c : s) {
-        if (c == '"') out += '"';
-        out += c;
+// Output is gathered here and written a block at a time.
+constexpr size_t kBlock = 1 << 16;
+
+void appendQuoted(std::string& out, std::string_view s) {
+    out += '"';
+    for (size_t at = 0;;) {
+        const size_t quote = s.find('"', at);
+        if (quote == std::string_view::npos) {
+            out.append(s.substr(at));
+            break;
+        }
+        out.append(s.substr(at, quote + 1 - at));
+        out += '"';
+        at = quote + 1;
     }
-    return out + "\"";
+    out += '"';
 }
 
 // Names go bare unless they hold something CSV would misread.
-std::string headerName(const std::string& s) {
-    return s.find_first_of(",\"\r\n") == std::string::npos ? s : quoted(s);
+void appendName(std::string& out, const std::string& s) {
+    if (s.find_first_of(",\"\r\n") == std::string::npos)
+        out += s;
+    else
+        appendQuoted(out, s);
 }
 
-std::string printfNumber(const char* format, double v) {
+template <typename Integer>
+void appendInteger(std::string& out, Integer v) {
+    char buf[24];
+    out.append(buf, std::to_chars(buf, buf + sizeof buf, v).ptr);
+}
+
+// As printf's %.<precision>g prints it.
+void appendGeneral(std::string& out, double v, int precision) {
     char buf[64];
-    std::snprintf(buf, sizeof buf, format, v);
-    return buf;
+    out.append(buf, std::to_chars(buf, buf + sizeof buf, v, std::chars_format::general, precision).ptr);
 }
 
-std::string currencyText(int64_t v) {
-    uint64_t mag = v < 0 ? uint64_t(0) - uint64_t(v) : uint64_t(v);
-    char buf[48];
-    std::snprintf(buf, sizeof buf, "%s%llu.%04llu", v < 0 ? "-" : "", static_cast<unsigned long long>(mag / 10000),
-                  static_cast<unsigned long long>(mag % 10000));
-    return buf;
+// As printf's %0<width>d prints it.
+void appendPadded(std::string& out, int32_t v, size_t width) {
+    char buf[16];
+    const uint32_t magnitude = v < 0 ? 0u - uint32_t(v) : uint32_t(v);
+    const size_t digits = size_t(std::to_chars(buf, buf + sizeof buf, magnitude).ptr - buf);
+    if (v < 0) out += '-';
+    const size_t room = width - (v < 0 ? 1 : 0);
+    if (digits < room) out.append(room - digits, '0');
+    out.append(buf, digits);
 }
 
-std::string isoDate(double serial) {
-    jet::DateParts p = jet::dateParts(serial);
-    char buf[48];
-    std::snprintf(buf, sizeof buf, "%04d-%02d-%02d %02d:%02d:%02d", p.year, p.month, p.day, p.hour, p.minute, p.second);
-    return buf;
+void appendCurrency(std::string& out, int64_t v) {
+    const uint64_t magnitude = v < 0 ? uint64_t(0) - uint64_t(v) : uint64_t(v);
+    if (v < 0) out += '-';
+    appendInteger(out, magnitude / 10000);
+    out += '.';
+    appendPadded(out, int32_t(magnitude % 10000), 4);
 }
 
-std::string hex(const std::vector<uint8_t>& bytes) {
+void appendIsoDate(std::string& out, double serial) {
+    const jet::DateParts p = jet::dateParts(serial);
+    if (p.year < 0 || p.year > 9999) {
+        out += '"';
+        appendPadded(out, p.year, 4);
+    } else {
+        char year[5] = {'"', char('0' + p.year / 1000), char('0' + p.year / 100 % 10), char('0' + p.year / 10 % 10),
+                        char('0' + p.year % 10)};
+        out.append(year, 5);
+    }
+    // The other parts have two digits each.
+    const int32_t parts[5] = {p.month, p.day, p.hour, p.minute, p.second};
+    char rest[16] = {'-', 0, 0, '-', 0, 0, ' ', 0, 0, ':', 0, 0, ':', 0, 0, '"'};
+    for (int i = 0; i < 5; ++i) {
+        rest[3 * i + 1] = char('0' + parts[i] / 10);
+        rest[3 * i + 2] = char('0' + parts[i] % 10);
+    }
+    out.append(rest, sizeof rest);
+}
+
+void appendHex(std::string& out, const std::vector<uint8_t>& bytes) {
     static const char digits[] = "0123456789ABCDEF";
-    std::string out;
-    out.reserve(bytes.size() * 2);
+    out += '"';
     for (uint8_t b : bytes) {
         out += digits[b >> 4];
         out += digits[b & 15];
     }
-    return out;
+    out += '"';
+}
+
+void flushIfFull(std::string& buffer, std::ostream& out) {
+    if (buffer.size() < kBlock) return;
+    out.write(buffer.data(), std::streamsize(buffer.size()));
+    buffer.clear();
 }
 
 }  // namespace
 
-std::string csvField(const jet::Variant& v) {
+void appendCsvField(std::string& out, const jet::Variant& v) {
     using T = jet::Variant::Type;
     switch (v.type()) {
     case T::Empty:
-    case T::Null: return "";
-    case T::Boolean: return v.asBool() ? "1" : "0";
-    case T::Byte: return std::to_string(v.asByte());
-    case T::Integer: return std::to_string(v.asInteger());
-    case T::Long: return std::to_string(v.asLong());
-    case T::Currency: return currencyText(v.asCurrency());
-    case T::Single: return printfNumber("%.8g", v.asSingle());
-    case T::Double: return printfNumber("%.16g", v.asDouble());
-    case T::Date: return quoted(isoDate(v.asDate()));
-    case T::String: return quoted(v.asString());
-    case T::Decimal: return v.asDecimal().toString(".", false);
-    case T::ByteArray: return quoted(hex(v.asBytes()));
+    case T::Null: return;
+    case T::Boolean: out += v.asBool() ? '1' : '0'; return;
+    case T::Byte: appendInteger(out, v.asByte()); return;
+    case T::Integer: appendInteger(out, v.asInteger()); return;
+    case T::Long: appendInteger(out, v.asLong()); return;
+    case T::Currency: appendCurrency(out, v.asCurrency()); return;
+    case T::Single: appendGeneral(out, v.asSingle(), 8); return;
+    case T::Double: appendGeneral(out, v.asDouble(), 16); return;
+    case T::Date: appendIsoDate(out, v.asDate()); return;
+    case T::String: appendQuoted(out, v.asString()); return;
+    case T::Decimal: out += v.asDecimal().toString(".", false); return;
+    case T::ByteArray: appendHex(out, v.asBytes()); return;
     }
-    return "";
 }
 
 size_t exportCsv(jet::Recordset& rs, std::ostream& out) {
     const auto& fields = rs.Fields();
     const int32_t n = fields.Count();
-    std::string line;
+    std::string buffer;
+    buffer.reserve(kBlock + 4096);
     for (int32_t i = 0; i < n; ++i) {
-        if (i) line += ',';
-        line += headerName(fields.Item(i).Name());
+        if (i) buffer += ',';
+        appendName(buffer, fields.Item(i).Name());
     }
-    out << line << '\n';
+    buffer += '\n';
     size_t records = 0;
-    if (rs.RecordCount() == 0) return 0;
-    for (rs.MoveFirst(); !rs.Eof(); rs.MoveNext()) {
-        line.clear();
-        for (int32_t i = 0; i < n; ++i) {
-            if (i) line += ',';
-            line += csvField(fields.Item(i).Value());
+    if (rs.RecordCount() > 0) {
+        for (rs.MoveFirst(); !rs.Eof(); rs.MoveNext()) {
+            for (int32_t i = 0; i < n; ++i) {
+                if (i) buffer += ',';
+                appendCsvField(buffer, fields.Item(i).Value());
+            }
+            buffer += '\n';
+            ++records;
+            flushIfFull(buffer, out);
         }
-        out << line << '\n';
-        ++records;
     }
+    out.write(buffer.data(), std::streamsize(buffer.size()));
     return records;
 }
 

@@ -15,8 +15,8 @@
 
 namespace sheetwright::cli {
 
-// One value in CSV form.
-std::string csvField(const jet::Variant& value);
+// Appends one value in CSV form.
+void appendCsvField(std::string& out, const jet::Variant& value);
 // Writes the whole record set from its first record; returns the number of records.
 size_t exportCsv(jet::Recordset& rs, std::ostream& out);
 

@@ -4,6 +4,7 @@
 #include <stdexcept>
 
 #include "jet/AdoConstants.h"
+#include "jet/Recordset.h"
 #include "jet/RuntimeError.h"
 
 namespace sheetwright::cli {
@@ -30,50 +31,81 @@ std::vector<uint8_t> fromHex(const std::string& text, const std::string& column)
 
 }  // namespace
 
-bool readCsvRecord(std::istream& in, CsvRecord& record) {
-    record.clear();
-    int c = in.get();
-    if (c == EOF) return false;
-    CsvField field;
+bool CsvReader::refill() {
+    if (!in_) return false;
+    in_.read(buffer_.data(), std::streamsize(buffer_.size()));
+    pos_ = 0;
+    end_ = size_t(in_.gcount());
+    return end_ > 0;
+}
+
+void CsvReader::takeRun(std::string& out, bool quoted) {
+    for (;;) {
+        const char* start = buffer_.data() + pos_;
+        const char* stop = start;
+        const char* last = buffer_.data() + end_;
+        if (quoted) {
+            while (stop < last && *stop != '"') ++stop;
+        } else {
+            while (stop < last && *stop != ',' && *stop != '\n' && *stop != '\r') ++stop;
+        }
+        out.append(start, stop);
+        pos_ += size_t(stop - start);
+        if (stop < last || !refill()) return;
+    }
+}
+
+bool CsvReader::next(CsvRecord& record) {
+    int c = get();
+    if (c == EOF) {
+        record.clear();
+        return false;
+    }
+    size_t used = 0;
+    auto nextField = [&]() -> CsvField& {
+        if (used == record.size()) record.emplace_back();
+        CsvField& f = record[used++];
+        f.text.clear();
+        f.quoted = false;
+        return f;
+    };
+    CsvField* field = &nextField();
     bool afterQuote = false;
-    for (;; c = in.get()) {
-        if (c == EOF || c == '\n' || (c == '\r' && in.peek() == '\n')) {
-            if (c == '\r') in.get();
-            record.push_back(std::move(field));
+    for (;; c = get()) {
+        if (c == EOF || c == '\n' || (c == '\r' && peek() == '\n')) {
+            if (c == '\r') get();
+            record.resize(used);
             return true;
         }
         if (c == ',') {
-            record.push_back(std::move(field));
-            field = CsvField{};
+            field = &nextField();
             afterQuote = false;
             continue;
         }
         if (afterQuote) throw std::runtime_error("text after a closing quote");
-        if (c == '"' && field.text.empty() && !field.quoted) {
-            field.quoted = true;
+        if (c == '"' && field->text.empty() && !field->quoted) {
+            field->quoted = true;
             for (;;) {
-                int q = in.get();
-                if (q == EOF) throw std::runtime_error("a quoted field is never closed");
-                if (q == '"') {
-                    if (in.peek() == '"') {
-                        in.get();
-                        field.text += '"';
-                        continue;
-                    }
-                    break;
-                }
-                field.text += char(q);
+                takeRun(field->text, true);
+                if (get() == EOF) throw std::runtime_error("a quoted field is never closed");
+                if (peek() != '"') break;
+                get();
+                field->text += '"';
             }
             afterQuote = true;
             continue;
         }
-        field.text += char(c);
+        field->text += char(c);
+        takeRun(field->text, false);
     }
 }
 
-size_t importCsv(std::istream& in, jet::Recordset& rs) {
+size_t importCsv(std::istream& in, jet::Connection& connection, const std::string& table) {
+    jet::Recordset rs;
+    rs.Open("SELECT * FROM [" + table + "]", connection, jet::ado::OpenKeyset, jet::ado::LockOptimistic);
+    CsvReader reader(in);
     CsvRecord header;
-    if (!readCsvRecord(in, header)) throw std::runtime_error("the CSV file is empty: it needs a header line");
+    if (!reader.next(header)) throw std::runtime_error("the CSV file is empty: it needs a header line");
     std::vector<int32_t> columns;
     std::vector<bool> binary;
     for (const CsvField& name : header) {
@@ -87,10 +119,11 @@ size_t importCsv(std::istream& in, jet::Recordset& rs) {
     }
     CsvRecord record;
     size_t rows = 0, line = 1;
+    connection.BeginTrans();
     try {
-        while (readCsvRecord(in, record)) {
+        while (reader.next(record)) {
             ++line;
-            if (record.size() == 1 && record[0].text.empty() && !record[0].quoted && in.peek() == EOF) break;
+            if (record.size() == 1 && record[0].text.empty() && !record[0].quoted && reader.atEnd()) break;
             if (record.size() != columns.size())
                 throw std::runtime_error("record " + std::to_string(rows + 1) + " has " + std::to_string(record.size()) +
                                          " fields, the header " + std::to_string(columns.size()));
@@ -100,16 +133,19 @@ size_t importCsv(std::istream& in, jet::Recordset& rs) {
                 jet::Field field = rs.Fields().Item(columns[k]);
                 if (f.text.empty() && !f.quoted) field.setValue(jet::Variant::null());
                 else if (binary[k]) field.setValue(jet::Variant::bytes(fromHex(f.text, field.Name())));
-                else field.setValue(jet::Variant::string(f.text));
+                else field.setText(f.text);
             }
+            rs.Update();
             ++rows;
         }
     } catch (const jet::RuntimeError& e) {
+        connection.RollbackTrans();
         throw jet::RuntimeError(e.number(), "line " + std::to_string(line) + ": " + e.description());
     } catch (const std::runtime_error& e) {
+        connection.RollbackTrans();
         throw std::runtime_error("line " + std::to_string(line) + ": " + e.what());
     }
-    rs.UpdateBatch(3);
+    connection.CommitTrans();
     return rows;
 }
 

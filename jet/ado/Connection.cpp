@@ -21,7 +21,15 @@ RuntimeError closedError() {
 
 Connection::Connection() : env_(Env::posix()) {}
 Connection::Connection(Env& env) : env_(env) {}
-Connection::~Connection() = default;
+Connection::~Connection() {
+    if (db_ && db_->inTransaction()) {
+        try {
+            db_->rollbackTransaction();
+        } catch (...) {
+            // Rolling back only puts pages back in memory; nothing here can be reported.
+        }
+    }
+}
 
 void Connection::setConnectionString(std::string text) {
     if (db_) throw RuntimeError(err::NotAllowedOpen, "Operation is not allowed when the object is open.");
@@ -45,7 +53,7 @@ void Connection::Open(const std::string& connectionString, const std::string& us
         throw RuntimeError(err::ProviderNotFound, "Provider cannot be found. It may not be properly installed.");
     if (s.dataSource.empty()) throw RuntimeError(err::Unspecified, "Could not find file ''.");
 
-    std::shared_ptr<Database> db = Database::open(s.dataSource, env_);
+    std::shared_ptr<Database> db = Database::open(s.dataSource, env_, s.maxBufferKb * 1024);
     if (jet3Only && db->version() != Version::Jet3)
         throw RuntimeError(err::Unspecified, "Unrecognized database format '" + s.dataSource + "'.");
     // Without a database password, user and password belong to the workgroup and are ignored.
@@ -56,7 +64,24 @@ void Connection::Open(const std::string& connectionString, const std::string& us
 
 void Connection::Close() {
     if (!db_) throw closedError();
+    if (db_->inTransaction()) db_->rollbackTransaction();
     db_.reset();
+}
+
+int32_t Connection::BeginTrans() {
+    if (!db_) throw closedError();
+    db_->beginTransaction();
+    return 1;
+}
+
+void Connection::CommitTrans() {
+    if (!db_) throw closedError();
+    db_->commitTransaction();
+}
+
+void Connection::RollbackTrans() {
+    if (!db_) throw closedError();
+    db_->rollbackTransaction();
 }
 
 std::shared_ptr<Database> Connection::database() const {
@@ -66,6 +91,9 @@ std::shared_ptr<Database> Connection::database() const {
 
 void Connection::Execute(const std::string& commandText, int32_t* recordsAffected, int32_t) {
     if (!db_) throw closedError();
+    if (db_->inTransaction())
+        throw RuntimeError(err::Unspecified, "A table's design cannot change inside a transaction; commit or roll "
+                                             "it back first.");
     const sql::Statement statement = sql::parse(commandText);
     SchemaWriter(*db_).run(statement);
     if (recordsAffected) *recordsAffected = 0;

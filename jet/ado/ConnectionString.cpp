@@ -1,6 +1,9 @@
 #include "ado/ConnectionString.h"
 
+#include <charconv>
+
 #include "base/Utf.h"
+#include "jet/RuntimeError.h"
 
 namespace jet {
 
@@ -10,6 +13,15 @@ std::string_view trim(std::string_view s) {
     while (!s.empty() && (s.front() == ' ' || s.front() == '\t')) s.remove_prefix(1);
     while (!s.empty() && (s.back() == ' ' || s.back() == '\t')) s.remove_suffix(1);
     return s;
+}
+
+size_t kilobytes(const std::string& value) {
+    size_t kb = 0;
+    const auto [end, ec] = std::from_chars(value.data(), value.data() + value.size(), kb);
+    if (ec != std::errc() || end != value.data() + value.size() || kb < 64 || kb > (size_t(1) << 32))
+        throw RuntimeError(err::Unspecified, "The connection string's Jet OLEDB:Max Buffer Size '" + value +
+                                                 "' is not a size in kilobytes.");
+    return kb;
 }
 
 }  // namespace
@@ -53,6 +65,7 @@ ConnectionSettings ConnectionSettings::parse(std::string_view text) {
         else if (equalsIgnoreCase(key, "Data Source")) out.dataSource = value;
         else if (equalsIgnoreCase(key, "User ID")) out.userId = value;
         else if (equalsIgnoreCase(key, "Password")) out.password = value;
+        else if (equalsIgnoreCase(key, "Jet OLEDB:Max Buffer Size")) out.maxBufferKb = kilobytes(value);
         else if (equalsIgnoreCase(key, "Jet OLEDB:Database Password")) {
             databasePassword = value;
             hasDatabasePassword = true;

@@ -22,6 +22,8 @@ int32_t Field::DefinedSize() const { return rs_->source().fields()[index_].defin
 Variant Field::Value() const { return rs_->valueAt(index_); }
 void Field::setValue(const Variant& value) const { rs_->setValueAt(index_, value); }
 
+void Field::setText(std::string_view text) const { rs_->setTextAt(index_, text); }
+
 int32_t Fields::Count() const { return int32_t(rs_.source().fields().size()); }
 
 Field Fields::Item(int32_t index) const {

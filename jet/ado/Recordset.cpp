@@ -74,6 +74,12 @@ void Recordset::setValueAt(size_t field, const Variant& value) {
     t.assign(size_t(position_), field, value);
 }
 
+void Recordset::setTextAt(size_t field, std::string_view text) {
+    TableRecordSource& t = requireUpdatable();
+    requireCurrent();
+    t.assignText(size_t(position_), field, text);
+}
+
 void Recordset::AddNew() {
     TableRecordSource& t = requireUpdatable();
     leaveRow();

@@ -18,15 +18,18 @@ TableRecordSource::TableRecordSource(std::shared_ptr<Database> db, std::shared_p
         if (c.isLongValue()) size = 0x3FFFFFFF;
         fields_.push_back({c.name, adoTypeOf(c), size});
     }
-    // One pass over the data pages, so RecordCount is known at once.
-    const auto& locations = table_->rowLocations();
-    rows_.reserve(locations.size());
-    for (RowLocation at : locations) rows_.push_back(at.pointer());
+    // One pass over the data pages, so RecordCount is known at once. The definition's row
+    // count (a hint: a damaged file may say anything) saves growing the list step by step.
+    rows_.reserve(std::min<size_t>(table_->def().rowCount(), db_->pager().pageCount() * size_t(64)));
+    table_->forEachRow([&](RowLocation at) { rows_.push_back(at.pointer()); });
 }
 
 Variant TableRecordSource::value(size_t row, size_t field) const {
-    const uint64_t id = rows_[row];
-    if (auto it = pending_.find(id); it != pending_.end() && it->second[field]) return *it->second[field];
+    dropRowsOfRolledBackTransaction();
+    const uint32_t id = rows_[row];
+    if (gone_.count(id)) throw goneError();
+    if (!pending_.empty())
+        if (auto it = pending_.find(id); it != pending_.end() && it->second[field]) return *it->second[field];
     const Column& c = table_->def().columns()[field];
     if (id >= firstNewId) return c.type() == ColumnType::Bool ? Variant::boolean(false) : Variant::null();
     if (cachedRow_ != row) {
@@ -43,18 +46,38 @@ void TableRecordSource::forgetCachedRow() const {
     cachedRow_ = SIZE_MAX;
 }
 
-void TableRecordSource::assign(size_t row, size_t field, const Variant& value) {
+RuntimeError TableRecordSource::goneError() {
+    return RuntimeError(err::DeletedRow, "The row was added in a transaction that was rolled back.");
+}
+
+const Column& TableRecordSource::assignable(size_t row, size_t field) const {
+    dropRowsOfRolledBackTransaction();
+    if (gone_.count(rows_[row])) throw goneError();
     const Column& c = table_->def().columns().at(field);
     if (c.isAutoNumber() && !isNew(row))
         throw RuntimeError(err::MultipleStepErrors, "Multiple-step operation generated errors. Check each status value. "
                                                     "The field '" + c.name + "' is an AutoNumber and cannot be changed.");
-    Variant converted = convertForColumn(c, value, db_->version(), db_->codePageOf(c));
+    return c;
+}
+
+void TableRecordSource::keep(size_t row, size_t field, Variant converted) {
     Pending& p = pending_[rows_[row]];
     p.resize(fields_.size());
     p[field] = std::move(converted);
 }
 
+void TableRecordSource::assign(size_t row, size_t field, const Variant& value) {
+    const Column& c = assignable(row, field);
+    keep(row, field, convertForColumn(c, value, db_->version(), db_->codePageOf(c)));
+}
+
+void TableRecordSource::assignText(size_t row, size_t field, std::string_view text) {
+    const Column& c = assignable(row, field);
+    keep(row, field, convertTextForColumn(c, text, db_->version(), db_->codePageOf(c), Locale::current()));
+}
+
 size_t TableRecordSource::addNew() {
+    if (nextNewId_ == UINT32_MAX) throw RuntimeError(err::Unspecified, "Too many new rows in one record set.");
     rows_.push_back(nextNewId_);
     pending_[nextNewId_].resize(fields_.size());
     ++nextNewId_;
@@ -63,13 +86,15 @@ size_t TableRecordSource::addNew() {
 
 void TableRecordSource::cancel(size_t row) {
     pending_.erase(rows_[row]);
+    gone_.erase(rows_[row]);
     if (isNew(row)) rows_.erase(rows_.begin() + std::ptrdiff_t(row));
     forgetCachedRow();
 }
 
 void TableRecordSource::cancelAll() {
     pending_.clear();
-    std::erase_if(rows_, [](uint64_t id) { return id >= firstNewId; });
+    gone_.clear();
+    std::erase_if(rows_, [](uint32_t id) { return id >= firstNewId; });
     forgetCachedRow();
 }
 
@@ -80,13 +105,46 @@ std::vector<size_t> TableRecordSource::pendingRows() const {
     return out;
 }
 
+void TableRecordSource::write(const std::function<void(Transaction&)>& change) {
+    if (db_->inTransaction()) {
+        Transaction& open = db_->transaction();
+        try {
+            change(open);
+        } catch (const std::exception& e) {
+            db_->failTransaction(e.what());
+            throw;
+        }
+        return;
+    }
+    Transaction tx(*db_);
+    change(tx);
+    tx.commit();
+}
+
+void TableRecordSource::dropRowsOfRolledBackTransaction() const {
+    if (addedSerial_ == 0 || addedSerial_ == db_->transactionSerial()) return;
+    if (db_->rolledBack(addedSerial_)) {
+        // They keep their places (the record set's position must not move under it) as
+        // rows that are gone; their locations may be given to other rows by now.
+        std::sort(addedInTransaction_.begin(), addedInTransaction_.end());
+        for (uint32_t& id : rows_) {
+            if (id >= firstNewId || !std::binary_search(addedInTransaction_.begin(), addedInTransaction_.end(), id)) continue;
+            id = nextNewId_++;
+            gone_.insert(id);
+        }
+        forgetCachedRow();
+    }
+    addedInTransaction_.clear();
+    addedSerial_ = 0;
+}
+
 void TableRecordSource::send(const std::vector<size_t>& rows) {
+    dropRowsOfRolledBackTransaction();
     // Nothing to send touches nothing: not even write access is asked for.
     if (std::none_of(rows.begin(), rows.end(), [&](size_t r) { return pending_.count(rows_[r]) != 0; })) return;
     std::vector<std::pair<size_t, RowLocation>> inserted;
-    {
-        Transaction tx(*db_);
-        TableWriter& writer = tx.table(table_->name());
+    write([&](Transaction& tx) {
+        TableWriter& writer = tx.table(table_->def().page(), table_->name());
         for (size_t r : rows) {
             auto it = pending_.find(rows_[r]);
             if (it == pending_.end()) continue;
@@ -103,20 +161,21 @@ void TableRecordSource::send(const std::vector<size_t>& rows) {
                 writer.update(location(r), changes);
             }
         }
-        tx.commit();
-    }
+    });
     forgetCachedRow();
     for (size_t r : rows) pending_.erase(rows_[r]);
+    if (const uint64_t serial = db_->transactionSerial()) {
+        addedSerial_ = serial;
+        for (auto [r, at] : inserted) addedInTransaction_.push_back(at.pointer());
+    }
     for (auto [r, at] : inserted) rows_[r] = at.pointer();
 }
 
 void TableRecordSource::remove(size_t row) {
-    if (!isNew(row)) {
-        Transaction tx(*db_);
-        tx.table(table_->name()).remove(location(row));
-        tx.commit();
-    }
+    dropRowsOfRolledBackTransaction();
+    if (!isNew(row)) write([&](Transaction& tx) { tx.table(table_->def().page(), table_->name()).remove(location(row)); });
     pending_.erase(rows_[row]);
+    gone_.erase(rows_[row]);
     rows_.erase(rows_.begin() + std::ptrdiff_t(row));
     forgetCachedRow();
 }

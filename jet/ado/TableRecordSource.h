@@ -1,8 +1,8 @@
 #pragma once
 // A table's rows as a record source, and the record set's buffer of changes not yet sent.
-// It holds the table's row locations (physical order) and decodes only the field that is
-// asked for; the layout of the last row read is kept, so reading all fields of one row
-// parses its trailer once.
+// It holds the table's row locations (physical order, four bytes a row) and decodes only
+// the field that is asked for; the layout of the last row read is kept (its page pinned),
+// so reading all fields of one row parses its trailer once.
 //
 // Invariants:
 //  - A row is either in the file (its location) or new (appended by AddNew, not sent yet);
@@ -12,10 +12,18 @@
 //    buffer stays as it was.
 //  - Values in the buffer are already converted to their column's type, so a value that
 //    cannot be stored is refused when it is assigned.
+//  - Inside the connection's open transaction send() and remove() write into it instead
+//    of a transaction of their own; a refused change there rolls the whole transaction
+//    back (nothing half-done can be committed), and rows added in a transaction that was
+//    rolled back stay in their places as rows that are gone: reading or changing one is
+//    the deleted-row error, deleting or cancelling it takes it away.
 
+#include <functional>
 #include <memory>
 #include <optional>
+#include <string_view>
 #include <unordered_map>
+#include <unordered_set>
 #include <vector>
 
 #include "ado/RecordSource.h"
@@ -25,6 +33,7 @@
 namespace jet {
 
 class Database;
+class Transaction;
 
 class TableRecordSource final : public RecordSource {
 public:
@@ -42,6 +51,8 @@ public:
     bool hasPending(size_t row) const { return pending_.count(rows_[row]) != 0; }
     // Converts and keeps a value for the row (throws, keeping nothing, when it does not fit).
     void assign(size_t row, size_t field, const Variant& value);
+    // The same for text as a user types it, without making a String value of it.
+    void assignText(size_t row, size_t field, std::string_view text);
     // A new row at the end; returns its position.
     size_t addNew();
     // Forgets what was assigned to the row; a new row disappears.
@@ -55,19 +66,28 @@ public:
     void remove(size_t row);
 
 private:
-    // Row ids: a stored row's pointer (below 2^32), or an id from firstNewId on.
-    static constexpr uint64_t firstNewId = uint64_t(1) << 40;
+    // Row ids: a stored row's pointer (below 2^31: Database.h), or an id from firstNewId on.
+    static constexpr uint32_t firstNewId = uint32_t(1) << 31;
     using Pending = std::vector<std::optional<Variant>>;
 
-    RowLocation location(size_t row) const { return RowLocation::fromPointer(uint32_t(rows_[row])); }
+    RowLocation location(size_t row) const { return RowLocation::fromPointer(rows_[row]); }
     void forgetCachedRow() const;
+    const Column& assignable(size_t row, size_t field) const;
+    void keep(size_t row, size_t field, Variant converted);
+    static RuntimeError goneError();
+    void dropRowsOfRolledBackTransaction() const;
+    // Runs a change in the open transaction, or in one of its own that it commits.
+    void write(const std::function<void(Transaction&)>& change);
 
     std::shared_ptr<Database> db_;
     std::shared_ptr<Table> table_;
     std::vector<FieldInfo> fields_;
-    std::vector<uint64_t> rows_;
-    std::unordered_map<uint64_t, Pending> pending_;
-    uint64_t nextNewId_ = firstNewId;
+    mutable std::vector<uint32_t> rows_;  // mutable: rows of a rolled-back transaction turn into gone ones
+    mutable std::unordered_set<uint32_t> gone_;
+    std::unordered_map<uint32_t, Pending> pending_;
+    mutable uint32_t nextNewId_ = firstNewId;
+    mutable std::vector<uint32_t> addedInTransaction_;  // rows this source added in it
+    mutable uint64_t addedSerial_ = 0;                  // the open transaction they were added in
     mutable size_t cachedRow_ = SIZE_MAX;
     mutable std::optional<RowReader> cachedReader_;
 };

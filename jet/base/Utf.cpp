@@ -59,20 +59,40 @@ char32_t nextCodePoint(std::string_view s, size_t& pos) {
     return c;
 }
 
-std::u16string utf8ToUtf16(std::string_view s) {
-    std::u16string out;
-    out.reserve(s.size());
-    size_t pos = 0;
+size_t utf16Length(std::string_view s) {
+    size_t n = 0, pos = 0;
     while (pos < s.size()) {
+        if (static_cast<unsigned char>(s[pos]) < 0x80) {
+            ++pos;
+            ++n;
+            continue;
+        }
+        n += nextCodePoint(s, pos) >= 0x10000 ? 2 : 1;
+    }
+    return n;
+}
+
+std::u16string utf8ToUtf16(std::string_view s) {
+    // Never more code units than bytes.
+    std::u16string out(s.size(), u'\0');
+    size_t n = 0, pos = 0;
+    while (pos < s.size()) {
+        const auto b = static_cast<unsigned char>(s[pos]);
+        if (b < 0x80) {
+            out[n++] = char16_t(b);
+            ++pos;
+            continue;
+        }
         char32_t c = nextCodePoint(s, pos);
         if (c >= 0x10000) {
             c -= 0x10000;
-            out += char16_t(0xD800 + (c >> 10));
-            out += char16_t(0xDC00 + (c & 0x3FF));
+            out[n++] = char16_t(0xD800 + (c >> 10));
+            out[n++] = char16_t(0xDC00 + (c & 0x3FF));
         } else {
-            out += char16_t(c);
+            out[n++] = char16_t(c);
         }
     }
+    out.resize(n);
     return out;
 }
 

@@ -12,6 +12,8 @@ void appendUtf8(std::string& out, char32_t c);
 std::string utf16ToUtf8(std::u16string_view s);
 // Invalid UTF-8 sequences become U+FFFD.
 std::u16string utf8ToUtf16(std::string_view s);
+// The number of UTF-16 code units utf8ToUtf16 gives, without making them.
+size_t utf16Length(std::string_view utf8);
 // Decodes one code point at pos and advances pos; invalid bytes give U+FFFD.
 char32_t nextCodePoint(std::string_view s, size_t& pos);
 

@@ -12,6 +12,7 @@
 #include <span>
 
 #include "format/Format.h"
+#include "pager/Pager.h"
 
 namespace jet {
 
@@ -28,6 +29,12 @@ struct RowLocation {
     auto operator<=>(const RowLocation&) const = default;
 };
 
+// A row's bytes with the page they lie in, pinned for as long as the bytes are used.
+struct PinnedRow {
+    PageRef page;
+    std::span<const uint8_t> bytes;
+};
+
 namespace slot_flag {
 inline constexpr uint16_t OffsetMask = 0x1FFF;
 inline constexpr uint16_t Overflow = 0x4000;        // the row's first 4 bytes point to its data
@@ -38,6 +45,8 @@ inline constexpr uint16_t Deleted = 0xC000;         // both bits
 class DataPage {
 public:
     DataPage(const Format& format, const uint8_t* page) : f_(format), p_(page) {}
+    // A view that keeps its page pinned for as long as it lives.
+    DataPage(const Format& format, PageRef page) : f_(format), p_(page.data()), pin_(std::move(page)) {}
 
     bool isDataPage() const { return p_[0] == page_type::Data; }
     uint32_t owner() const;
@@ -56,12 +65,15 @@ public:
     int32_t computedFreeSpace() const;
 
     const uint8_t* bytes() const { return p_; }
+    // Row k with the page pinned (for a view made from a PageRef).
+    PinnedRow pinnedRow(unsigned k) const { return {pin_, row(k)}; }
 
 private:
     uint16_t slotValue(unsigned k) const;
 
     const Format& f_;
     const uint8_t* p_;
+    PageRef pin_;
 };
 
 }  // namespace jet

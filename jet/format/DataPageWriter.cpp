@@ -28,13 +28,16 @@ bool DataPageWriter::canAppend(const DataPage& page, uint32_t length) {
 
 uint8_t DataPageWriter::append(std::span<const uint8_t> row, uint16_t flags) {
     const uint16_t n = view_.slotCount();
-    if (!canAppend(uint32_t(row.size()))) throw CorruptError("a row was appended to a data page without room for it");
-    uint32_t lowest = n == 0 ? f_.pageSize : view_.slotOffset(n - 1);
-    uint32_t at = lowest - uint32_t(row.size());
+    // Rows lie in slot order from the page end down, so the last slot's row is the lowest.
+    const uint32_t lowest = n == 0 ? f_.pageSize : view_.slotOffset(n - 1);
+    const uint32_t tableEnd = f_.dataSlotsOffset + 2u * (n + 1u);
+    if (n >= maxSlots || lowest < tableEnd + row.size())
+        throw CorruptError("a row was appended to a data page without room for it");
+    const uint32_t at = lowest - uint32_t(row.size());
     std::memcpy(p_ + at, row.data(), row.size());
     setSlot(n, uint16_t(at | flags));
     putLe16(p_ + f_.dataRowCountOffset, uint16_t(n + 1));
-    updateFreeSpace();
+    putLe16(p_ + 2, uint16_t(at - tableEnd));
     return uint8_t(n);
 }
 

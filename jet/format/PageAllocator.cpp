@@ -58,7 +58,7 @@ std::optional<uint32_t> PageAllocator::takeReleased() {
         const UsageMap freePages = UsageMap::read(pager_, f_, globalMapPage << 8);
         for (uint32_t page : freePages.pages()) {
             if (page >= pager_.pageCount()) break;
-            if (page > globalMapPage && std::memcmp(pager_.read(page), zeros.data(), f_.pageSize) == 0)
+            if (page > globalMapPage && std::memcmp(pager_.read(page).data(), zeros.data(), f_.pageSize) == 0)
                 released_.push_back(page);
         }
         std::reverse(released_.begin(), released_.end());

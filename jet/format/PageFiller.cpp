@@ -15,14 +15,18 @@ PageFiller::PageFiller(Pager& pager, const Format& format, uint32_t owner, uint3
     freeMapPointer_ = freeMap;
 }
 
-bool PageFiller::fits(uint32_t page, uint32_t length) const {
+bool PageFiller::fits(uint32_t page, uint32_t length) {
     if (page >= pager_.pageCount()) return false;
     DataPage view(f_, pager_.read(page));
+    if (page == current_ && currentKnown_)
+        return view.slotCount() < DataPageWriter::maxSlots && view.freeSpace() >= length + 2;
     if (!view.isDataPage() || view.owner() != owner_) return false;
     if (!afterDeletedRows_)
         for (unsigned k = 0; k < view.slotCount(); ++k)
             if (view.isDeleted(k)) return false;
-    return DataPageWriter::canAppend(view, length);
+    if (!DataPageWriter::canAppend(view, length)) return false;
+    if (page == current_) currentKnown_ = view.freeSpace() == view.computedFreeSpace();
+    return true;
 }
 
 uint32_t PageFiller::pageFor(uint32_t length, std::optional<uint32_t> avoid) {
@@ -31,7 +35,7 @@ uint32_t PageFiller::pageFor(uint32_t length, std::optional<uint32_t> avoid) {
         UsageMap candidates = UsageMap::read(pager_, f_, freeMapPointer_);
         for (uint32_t page : candidates.pages()) {
             if (page == avoid) continue;
-            if (fits(page, length)) return current_ = page;
+            if (fits(page, length)) return choose(page);
             free_->remove(page);
         }
     }
@@ -39,10 +43,21 @@ uint32_t PageFiller::pageFor(uint32_t length, std::optional<uint32_t> avoid) {
     DataPageWriter(f_, pager_.writable(page)).initialize(owner_);
     owned_.add(page);
     if (free_) free_->add(page);
-    return current_ = page;
+    current_ = page;
+    currentKnown_ = true;  // just laid out by us
+    return page;
+}
+
+uint32_t PageFiller::choose(uint32_t page) {
+    if (page != current_) {
+        current_ = page;
+        currentKnown_ = false;
+    }
+    return page;
 }
 
 void PageFiller::released(uint32_t page) {
+    if (page == current_) currentKnown_ = false;
     DataPageWriter writer(f_, pager_.writable(page));
     if (!writer.holdsNothing()) return;
     writer.initialize(owner_);

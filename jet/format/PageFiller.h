@@ -9,6 +9,9 @@
 //    does); a page that regains room (an emptied page) returns to it.
 //  - The page last filled is remembered for the transaction, so a bulk insert appends to it
 //    without reading any map, and reads the free-space map only when that page is full.
+//    Once that page was checked in full (and its stored free space found right), the
+//    stored free space answers, which every write of ours keeps exact; a deletion on it
+//    calls for a full check again.
 //  - With `afterDeletedRows` false, a page that holds deleted rows takes no new ones until
 //    all its rows are deleted and it starts again. Long values use this: an independent
 //    reader we check our files with misreads a long-value row placed after a deleted one,
@@ -38,7 +41,8 @@ public:
     void released(uint32_t page);
 
 private:
-    bool fits(uint32_t page, uint32_t length) const;
+    bool fits(uint32_t page, uint32_t length);
+    uint32_t choose(uint32_t page);
 
     Pager& pager_;
     const Format& f_;
@@ -48,7 +52,8 @@ private:
     PageAllocator& allocator_;
     bool afterDeletedRows_;
     uint32_t freeMapPointer_ = 0;
-    uint32_t current_ = 0;  // 0: none yet
+    uint32_t current_ = 0;       // 0: none yet
+    bool currentKnown_ = false;  // current_ was checked in full, and only we changed it since
 };
 
 }  // namespace jet

@@ -130,7 +130,8 @@ TableDef TableDef::read(Pager& pager, const Format& f, const CodePage& cp, uint3
     std::set<uint32_t> seen;
     for (uint32_t p = page; p != 0;) {
         if (!seen.insert(p).second) throw CorruptError("the definition of table page " + std::to_string(page) + " loops");
-        const uint8_t* b = pager.read(p);
+        const PageRef bPage = pager.read(p);
+        const uint8_t* b = bPage.data();
         if (b[0] != page_type::TableDef)
             throw CorruptError("page " + std::to_string(p) + " should hold a table definition but has type " +
                                std::to_string(b[0]));

@@ -40,9 +40,29 @@ void TableDefWriter::write32(uint32_t offset, uint32_t value) {
     }
 }
 
+TableDefWriter::Counter& TableDefWriter::counter(uint32_t offset) {
+    auto it = counters_.find(offset);
+    if (it == counters_.end()) it = counters_.emplace(offset, Counter{read32(offset), false}).first;
+    return it->second;
+}
+
+uint32_t TableDefWriter::rowCount() { return counter(layout_.rowCount).value; }
+uint32_t TableDefWriter::autoNumber() { return counter(layout_.autoNumber).value; }
+
+void TableDefWriter::setRowCount(uint32_t n) { counter(layout_.rowCount) = {n, true}; }
+void TableDefWriter::setAutoNumber(uint32_t n) { counter(layout_.autoNumber) = {n, true}; }
+
 void TableDefWriter::addDistinctKey(uint32_t index) {
-    const uint32_t at = f_.tdefHeaderSize + index * f_.indexCountBlockSize + 4;
-    write32(at, read32(at) + 1);
+    Counter& c = counter(f_.tdefHeaderSize + index * f_.indexCountBlockSize + 4);
+    c = {c.value + 1, true};
+}
+
+void TableDefWriter::flush() {
+    for (auto& [offset, c] : counters_) {
+        if (!c.changed) continue;
+        write32(offset, c.value);
+        c.changed = false;
+    }
 }
 
 }  // namespace jet

@@ -3,8 +3,14 @@
 // (row count, autonumber, distinct keys of an index). The definition is a byte stream over
 // a chain of pages (the first page from offset 0, each further page from offset 8), so a
 // field is found by its position in the stream and may straddle two pages.
+//
+// The counters are read once and kept here while rows change; flush() writes those that
+// changed back into the definition's pages (the transaction does before it commits), so a
+// million inserts do not rewrite the definition a million times.
 
 #include <cstdint>
+#include <map>
+#include <optional>
 #include <vector>
 
 #include "format/Format.h"
@@ -18,14 +24,21 @@ class TableDefWriter {
 public:
     TableDefWriter(Pager& pager, const Format& format, const TableDef& def);
 
-    uint32_t rowCount() const { return read32(layout_.rowCount); }
-    void setRowCount(uint32_t n) { write32(layout_.rowCount, n); }
-    uint32_t autoNumber() const { return read32(layout_.autoNumber); }
-    void setAutoNumber(uint32_t n) { write32(layout_.autoNumber, n); }
+    uint32_t rowCount();
+    void setRowCount(uint32_t n);
+    uint32_t autoNumber();
+    void setAutoNumber(uint32_t n);
     // The distinct-key statistic of physical index `index`.
     void addDistinctKey(uint32_t index);
+    // Writes the counters that changed into the pages.
+    void flush();
 
 private:
+    struct Counter {
+        uint32_t value = 0;
+        bool changed = false;
+    };
+    Counter& counter(uint32_t offset);
     uint32_t read32(uint32_t offset) const;
     void write32(uint32_t offset, uint32_t value);
     std::pair<uint32_t, uint32_t> where(uint32_t offset) const;  // page, offset in page
@@ -34,6 +47,7 @@ private:
     const Format& f_;
     const TableDefLayout& layout_;
     std::vector<uint32_t> pages_;
+    std::map<uint32_t, Counter> counters_;  // by offset in the definition
 };
 
 }  // namespace jet

@@ -24,5 +24,7 @@ std::string decodeText(Version version, const CodePage& codePage, std::span<cons
 // characters that all lie in U+0001..U+00FF takes the compressed form with one byte per
 // character and no mode switch, as Access writes it; anything else is plain UCS-2.
 std::vector<uint8_t> encodeJet4Text(std::u16string_view text, bool compress);
+// The same from UTF-8 (invalid sequences becoming U+FFFD), into `out`, replacing what it held.
+void encodeJet4Text(std::string_view utf8, bool compress, std::vector<uint8_t>& out);
 
 }  // namespace jet

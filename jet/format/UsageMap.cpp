@@ -51,7 +51,8 @@ UsageMap UsageMap::read(Pager& pager, const Format& f, uint32_t rowPointer) {
             if (mapPage == 0) continue;
             if (mapPage >= pager.pageCount())
                 throw CorruptError(where + " names page " + std::to_string(mapPage) + " beyond the end of the file");
-            const uint8_t* bits = pager.read(mapPage);
+            const PageRef bitsPage = pager.read(mapPage);
+            const uint8_t* bits = bitsPage.data();
             if (bits[0] != page_type::UsageMap)
                 throw CorruptError(where + " names page " + std::to_string(mapPage) + ", which is not a usage-map page");
             addBits(map.pages_, k * window, bits + 4, f.pageSize - 4);

@@ -11,7 +11,8 @@ namespace jet {
 class IndexPageReader {
 public:
     virtual ~IndexPageReader() = default;
-    // Page n; throws CorruptError when it is not in the file.
+    // Page n, valid until the next call (the tree decodes a page before it reads another);
+    // throws CorruptError when it is not in the file.
     virtual const uint8_t* readPage(uint32_t n) = 0;
     // Pages in the file: a bound for walks over links, so a damaged chain cannot loop forever.
     virtual uint32_t pageCount() const = 0;

@@ -9,11 +9,15 @@ namespace jet {
 class PagerIndexPages : public IndexPageReader {
 public:
     explicit PagerIndexPages(Pager& pager) : pager_(pager) {}
-    const uint8_t* readPage(uint32_t n) override { return pager_.read(n); }
+    const uint8_t* readPage(uint32_t n) override {
+        last_ = pager_.read(n);
+        return last_.data();
+    }
     uint32_t pageCount() const override { return pager_.pageCount(); }
 
 private:
     Pager& pager_;
+    PageRef last_;
 };
 
 }  // namespace jet

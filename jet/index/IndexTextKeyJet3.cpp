@@ -57,7 +57,6 @@ bool appendJet3TextKey(std::vector<uint8_t>& out, std::span<const uint8_t> bytes
             nibbles.push_back(code.extra);
             break;
         case TextSortCode::Kind::Unknown:
-        case TextSortCode::Kind::Unprintable:
             problem = unknownByteProblem(b, codePage);
             appendKeyBytes(out, primary, !ascending);
             return false;

@@ -7,11 +7,8 @@
 
 
 namespace jet {
-namespace {
 
-// First entry whose comparable part (the whole entry on leaves, the entry without its
-// child on nodes) is >= target.
-size_t lowerBound(const IndexPage& page, std::span<const uint8_t> target) {
+size_t indexLowerBound(const IndexPage& page, std::span<const uint8_t> target) {
     size_t lo = 0, hi = page.count();
     while (lo < hi) {
         const size_t mid = (lo + hi) / 2;
@@ -24,6 +21,8 @@ size_t lowerBound(const IndexPage& page, std::span<const uint8_t> target) {
     }
     return lo;
 }
+
+namespace {
 
 IndexPage readIndexPage(const Format& format, IndexPageReader& pages, uint32_t n) {
     if (n == 0 || n >= pages.pageCount()) throw CorruptError("an index refers to page " + std::to_string(n));
@@ -39,7 +38,7 @@ std::vector<IndexPathStep> descendIndex(const Format& format, IndexPageReader& p
     for (;;) {
         if (path.size() == kMaxIndexDepth) throw CorruptError("an index tree is deeper than any valid tree");
         IndexPathStep step{page, readIndexPage(format, pages, page), 0};
-        step.slot = lowerBound(step.contents, target);
+        step.slot = indexLowerBound(step.contents, target);
         if (step.contents.leaf) {
             path.push_back(std::move(step));
             return path;

@@ -38,6 +38,10 @@ struct IndexPathStep {
 std::vector<IndexPathStep> descendIndex(const Format& format, IndexPageReader& pages, uint32_t root,
                                         std::span<const uint8_t> target);
 
+// The first entry whose comparable part (the whole entry on leaves, the entry without its
+// child on nodes) is >= target.
+size_t indexLowerBound(const IndexPage& page, std::span<const uint8_t> target);
+
 // Children of a node page: entries first, then the tail child if there is one.
 inline size_t indexChildCount(const IndexPage& node) { return node.count() + (node.tail != 0 ? 1 : 0); }
 inline uint32_t indexChildAt(const IndexPage& node, size_t i) {

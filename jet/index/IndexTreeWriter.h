@@ -14,16 +14,24 @@
 //    merged into its neighbour under the same parent when both fit comfortably on one page.
 //    A root left with a single child takes over that child's contents; an emptied root is
 //    an empty leaf.
-// Uniqueness is the caller's: look the key up (IndexTree::containsKey) before inserting.
+//  - Pages are read and changed in their decoded form (IndexPageCache): an insert costs one
+//    descent of binary searches and the bytes of its entry. A writer over a cache leaves
+//    the writing back to the cache's owner; a writer over a store writes back what each
+//    operation changed before the operation returns.
+// Uniqueness is the caller's: keyTakenByOther() answers it with the descent the insert of
+// the same entry then reuses.
 
 #include <cstdint>
 #include <optional>
 #include <span>
 #include <vector>
 
+#include <memory>
+
 #include "format/Format.h"
 #include "format/IndexEntry.h"
 #include "format/IndexPage.h"
+#include "index/IndexPageCache.h"
 #include "index/IndexPageStore.h"
 
 namespace jet {
@@ -31,8 +39,12 @@ namespace jet {
 class IndexTreeWriter {
 public:
     // The index whose root is `root`; new pages get `owner` (the table's TDEF page).
+    IndexTreeWriter(IndexPageCache& pages, uint32_t root, uint32_t owner);
     IndexTreeWriter(const Format& format, IndexPageStore& pages, uint32_t root, uint32_t owner);
 
+    // True when the tree holds an entry with `key` for a row other than `row`. Leaves the
+    // writer at the place of `row`'s entry, where insert() of it starts.
+    bool keyTakenByOther(std::span<const uint8_t> key, IndexRowPointer row);
     // Adds the entry of `row` under `key`. Throws RuntimeError when the key is longer than
     // an index entry may be, CorruptError when the tree is damaged or already holds it.
     void insert(std::span<const uint8_t> key, IndexRowPointer row);
@@ -47,14 +59,16 @@ public:
 private:
     struct Level {
         uint32_t page = 0;
-        IndexPage contents;
         size_t slot = 0;
-        bool dirty = false;
         bool freed = false;
     };
 
+    IndexPage& at(size_t level) { return pages_.page(path_[level].page); }
+    void changed(size_t level) { pages_.changed(path_[level].page); }
     void load(std::span<const uint8_t> target);
-    void propagateGreatest(size_t level, std::vector<uint8_t> greatest);
+    template <typename Operation>
+    auto operation(Operation op);
+    void propagateGreatest(size_t level, const std::vector<uint8_t>& greatest);
     void settle(bool mergeThinPages);
     void settleLevel(size_t level, bool mergeThinPages);
     void finishRoot(bool mergeThinPages);
@@ -63,21 +77,21 @@ private:
     void removeEmptyPage(size_t level);
     void removeChild(size_t parentLevel, size_t child);
     void mergeWithNeighbour(size_t level);
-    void write(Level& level);
 
-    IndexPage readPage(uint32_t n);
     std::vector<uint8_t> greatestBelow(uint32_t page);
     void giveSingleChildAnEntry(size_t level);
     void setLink(uint32_t page, bool nextField, uint32_t value);
     bool childrenAreLeaves(size_t level) const { return level + 2 == path_.size(); }
     IndexPage nodeRange(const IndexPage& node, size_t from, size_t to);
-    uint32_t allocate();
+    const IndexPage* leafBeside(const IndexPage& leaf, bool next);
 
+    std::unique_ptr<IndexPageCache> own_;  // a writer over a store: the pages of one operation
+    IndexPageCache& pages_;
     const Format& format_;
-    IndexPageStore& pages_;
     uint32_t root_;
     uint32_t owner_;
     std::vector<Level> path_;
+    std::vector<uint8_t> located_;  // the entry path_ leads to; empty when the tree changed since
 };
 
 }  // namespace jet

@@ -16,7 +16,10 @@ public:
     TableIndexPages(Pager& pager, const Format& format, uint32_t ownedMap, PageAllocator& allocator)
         : pager_(pager), owned_(pager, format, ownedMap, allocator), allocator_(allocator) {}
 
-    const uint8_t* readPage(uint32_t n) override { return pager_.read(n); }
+    const uint8_t* readPage(uint32_t n) override {
+        last_ = pager_.read(n);
+        return last_.data();
+    }
     uint32_t pageCount() const override { return pager_.pageCount(); }
     uint8_t* writePage(uint32_t n) override { return pager_.writable(n); }
     uint32_t allocatePage() override {
@@ -28,6 +31,7 @@ public:
 
 private:
     Pager& pager_;
+    PageRef last_;
     UsageMapWriter owned_;
     PageAllocator& allocator_;
 };

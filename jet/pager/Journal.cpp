@@ -51,30 +51,83 @@ std::string Journal::pathFor(const std::string& databasePath) { return databaseP
 
 void Journal::write(Env& env, const std::string& path, uint32_t pageSize, uint32_t originalPageCount,
                     uint32_t salt, std::span<const Original> originals) {
-    auto file = env.open(path, OpenMode::Create);
-    uint8_t header[headerSize];
+    JournalWriter writer(env, path, pageSize, originalPageCount, salt);
+    for (const Original& o : originals) writer.append(o.page, o.bytes);
+    writer.seal();
+}
+
+namespace {
+
+// Records are written a batch at a time: fewer calls, and the buffer stays small.
+constexpr size_t kBufferedRecords = 16;
+
+}  // namespace
+
+JournalWriter::JournalWriter(Env& env, std::string path, uint32_t pageSize, uint32_t originalPageCount, uint32_t salt)
+    : env_(env), path_(std::move(path)), pageSize_(pageSize), originalPageCount_(originalPageCount), salt_(salt) {
+    file_ = env_.open(path_, OpenMode::Create);
+    const uint8_t placeholder[Journal::headerSize] = {};
+    file_->writeAt(0, placeholder);
+}
+
+JournalWriter::~JournalWriter() = default;
+
+void JournalWriter::append(uint32_t page, const uint8_t* original) {
+    if (holds(page)) return;
+    const size_t size = Journal::recordSize(pageSize_);
+    buffer_.resize((buffered_ + 1) * size);
+    uint8_t* record = buffer_.data() + buffered_ * size;
+    putLe32(record, page);
+    std::memcpy(record + 4, original, pageSize_);
+    putLe32(record + 4 + pageSize_, recordChecksum(salt_, page, {original, pageSize_}));
+    ++buffered_;
+    recordOf_.emplace(page, pages_.size());
+    pages_.push_back(page);
+    if (buffered_ == kBufferedRecords) flush();
+}
+
+void JournalWriter::flush() {
+    if (buffered_ == 0) return;
+    const size_t size = Journal::recordSize(pageSize_);
+    const size_t first = pages_.size() - buffered_;
+    file_->writeAt(Journal::headerSize + first * size, {buffer_.data(), buffered_ * size});
+    buffered_ = 0;
+    buffer_.clear();
+}
+
+void JournalWriter::seal() {
+    flush();
+    uint8_t header[Journal::headerSize];
     std::memcpy(header, magic, sizeof magic);
     putLe32(header + 8, formatVersion);
-    putLe32(header + 12, pageSize);
-    putLe32(header + 16, originalPageCount);
-    putLe32(header + 20, salt);
-    putLe32(header + 24, uint32_t(originals.size()));
+    putLe32(header + 12, pageSize_);
+    putLe32(header + 16, originalPageCount_);
+    putLe32(header + 20, salt_);
+    putLe32(header + 24, uint32_t(pages_.size()));
     putLe32(header + 28, crc32({header, 28}));
-    file->writeAt(0, header);
-
-    std::vector<uint8_t> record(recordSize(pageSize));
-    uint64_t offset = headerSize;
-    for (const Original& o : originals) {
-        putLe32(record.data(), o.page);
-        std::memcpy(record.data() + 4, o.bytes, pageSize);
-        putLe32(record.data() + 4 + pageSize, recordChecksum(salt, o.page, {o.bytes, pageSize}));
-        file->writeAt(offset, record);
-        offset += record.size();
-    }
-    file->sync();
+    file_->writeAt(0, header);
+    file_->sync();
     // The journal is new: without this its directory entry could vanish in a power failure
     // while the database pages it protects are already being overwritten.
-    env.syncDirectory(directoryOf(path));
+    env_.syncDirectory(directoryOf(path_));
+}
+
+void JournalWriter::readOriginal(size_t record, uint8_t* out) {
+    const size_t size = Journal::recordSize(pageSize_);
+    const size_t firstBuffered = pages_.size() - buffered_;
+    if (record >= firstBuffered) {
+        std::memcpy(out, buffer_.data() + (record - firstBuffered) * size + 4, pageSize_);
+        return;
+    }
+    if (file_->readAt(Journal::headerSize + record * size + 4, {out, pageSize_}) != pageSize_)
+        throw IoError("the journal '" + path_ + "' is shorter than the records written to it");
+}
+
+bool JournalWriter::readOriginalOf(uint32_t page, uint8_t* out) {
+    auto it = recordOf_.find(page);
+    if (it == recordOf_.end()) return false;
+    readOriginal(it->second, out);
+    return true;
 }
 
 Journal Journal::read(Env& env, const std::string& path) {

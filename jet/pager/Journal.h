@@ -10,10 +10,12 @@
 //     the page number and the bytes.
 //
 // Invariants:
-//  - A journal is written completely and synced (file and folder) before the database is
-//    touched. So a journal that fails any check (torn header, a record missing or with a
-//    wrong checksum) was never fully written, the database was not changed, and the
-//    journal is simply discarded.
+//  - Records are appended while the transaction runs, as its pages are first changed,
+//    under a header that is no header at all (zeros); the real header, which counts the
+//    records, is written and synced (file and folder) only at commit, before the database
+//    is touched. So a journal that fails any check (torn or missing header, a record
+//    missing or with a wrong checksum) was never fully written, the database was not
+//    changed, and the journal is simply discarded.
 //  - The salt is new for every transaction and sealed into every record, so records left
 //    over from an older journal in the same disk blocks can never pass for current ones.
 //  - Bytes after the last record the header counts are ignored: the header is sealed by
@@ -23,8 +25,10 @@
 //    whether the database had been written partly, completely or not at all.
 
 #include <cstdint>
+#include <memory>
 #include <span>
 #include <string>
+#include <unordered_map>
 #include <vector>
 
 #include "os/Env.h"
@@ -40,8 +44,8 @@ public:
 
     static std::string pathFor(const std::string& databasePath);
 
-    // Creates the journal, writes every record and syncs the file and its folder. Throws
-    // IoError; a journal cut short by a failure fails the checks of read().
+    // Creates the journal, writes every record and seals it (JournalWriter). Throws IoError;
+    // a journal cut short by a failure fails the checks of read().
     static void write(Env& env, const std::string& path, uint32_t pageSize, uint32_t originalPageCount,
                       uint32_t salt, std::span<const Original> originals);
 
@@ -84,6 +88,48 @@ private:
     uint32_t originalPageCount_ = 0;
     std::vector<uint8_t> bytes_;             // the whole file
     std::vector<std::pair<uint32_t, size_t>> records_;  // page number, offset of its bytes
+};
+
+// Writes one transaction's journal while the transaction runs: records are appended as
+// pages are first changed (a few at a time, so memory holds no more than a small buffer
+// of them), and seal() makes the journal hot just before the database is written.
+class JournalWriter {
+public:
+    // Creates (or truncates) the journal with a placeholder header. Throws IoError.
+    JournalWriter(Env& env, std::string path, uint32_t pageSize, uint32_t originalPageCount, uint32_t salt);
+    ~JournalWriter();
+    JournalWriter(const JournalWriter&) = delete;
+    JournalWriter& operator=(const JournalWriter&) = delete;
+
+    const std::string& path() const { return path_; }
+    size_t recordCount() const { return pages_.size(); }
+    uint32_t pageOf(size_t record) const { return pages_[record]; }
+    bool holds(uint32_t page) const { return recordOf_.count(page) != 0; }
+
+    // Adds the original of a page not recorded yet. Throws IoError.
+    void append(uint32_t page, const uint8_t* original);
+    // Writes what is buffered and the header counting every record, then syncs the file
+    // and its folder: from here on the journal is hot. Throws IoError.
+    void seal();
+    // The original bytes of a record, read back (also after the file was removed: it stays
+    // open). Throws IoError.
+    void readOriginal(size_t record, uint8_t* out);
+    // The original of `page`; false when the journal does not hold it.
+    bool readOriginalOf(uint32_t page, uint8_t* out);
+
+private:
+    void flush();
+
+    Env& env_;
+    std::string path_;
+    std::unique_ptr<File> file_;
+    uint32_t pageSize_;
+    uint32_t originalPageCount_;
+    uint32_t salt_;
+    std::vector<uint32_t> pages_;                     // record i holds the original of pages_[i]
+    std::unordered_map<uint32_t, size_t> recordOf_;
+    std::vector<uint8_t> buffer_;                     // whole records not written yet
+    size_t buffered_ = 0;                             // records in buffer_
 };
 
 // CRC-32 (the polynomial of zip and PNG), continuing from crc; 0 starts a new one.

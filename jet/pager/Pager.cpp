@@ -14,6 +14,8 @@ namespace jet {
 
 namespace {
 
+size_t defaultCacheBytes = Pager::kDefaultCacheBytes;
+
 std::vector<uint8_t> readHead(File& file) {
     std::vector<uint8_t> head(Pager::headerProbeBytes);
     head.resize(file.readAt(0, head));
@@ -73,15 +75,22 @@ Pager::Pager(std::unique_ptr<File> file, std::string path, uint32_t pageSize)
     : file_(std::move(file)), path_(std::move(path)), pageSize_(pageSize),
       readOnlyReason_("was opened for reading only") {
     pageCount_ = uint32_t(file_->size() / pageSize_);
+    setCacheBytes(defaultCacheBytes);
+    spare_.reserve(5);
 }
 
 Pager::Pager(Env& env, std::unique_ptr<File> file, std::string path, uint32_t pageSize)
     : env_(&env), file_(std::move(file)), path_(std::move(path)), pageSize_(pageSize),
       saltSource_(std::random_device{}()) {
     pageCount_ = uint32_t(file_->size() / pageSize_);
+    setCacheBytes(defaultCacheBytes);
+    spare_.reserve(5);
 }
 
-Pager::~Pager() = default;
+Pager::~Pager() {
+    // A transaction never committed leaves no trace: its journal was never sealed.
+    if (inTransaction_) removeJournal();
+}
 
 std::unique_ptr<Pager> Pager::open(Env& env, const std::string& path, OpenMode mode,
                                    const PageSizeProbe& pageSizeOf) {
@@ -199,24 +208,128 @@ std::string Pager::readOnlyReason() const {
     return {};
 }
 
-const uint8_t* Pager::read(uint32_t n) { return page(n); }
+// The cache.
 
-uint8_t* Pager::page(uint32_t n) {
+void Pager::setDefaultCacheBytes(size_t bytes) { defaultCacheBytes = bytes; }
+
+void Pager::setCacheBytes(size_t bytes) {
+    capacity_ = std::max<size_t>(1, bytes / pageSize_);
+    trim();
+}
+
+PageRef Pager::read(uint32_t n) { return PageRef(frame(n)); }
+
+PageFrame* Pager::frame(uint32_t n) {
+    requireUsable();
     if (n >= pageCount_)
         throw CorruptError("page " + std::to_string(n) + " lies beyond the end of the file");
-    auto it = cache_.find(n);
-    if (it != cache_.end()) return it->second.get();
-    // Pages appended in this pager's life are always cached, so this one is on disk.
-    auto buf = std::make_unique<uint8_t[]>(pageSize_);
-    size_t got = file_->readAt(uint64_t(n) * pageSize_, {buf.get(), pageSize_});
+    if (last_ && last_->number == n) return last_;
+    auto it = frames_.find(n);
+    if (it != frames_.end()) return last_ = it->second.get();
+    // Pages appended in this transaction are dirty and never leave the cache, so this one
+    // is on disk.
+    PageFrame* f = newFrame(n);
+    try {
+        readFromFile(n, f->bytes.get());
+    } catch (...) {
+        drop(f);
+        throw;
+    }
+    return last_ = f;
+}
+
+// A clean, unpinned frame for page n with undefined contents; it makes room first.
+PageFrame* Pager::newFrame(uint32_t n) {
+    trim();
+    if (cleanPages_ >= capacity_ && oldest_) drop(oldest_);
+    auto f = std::make_unique<PageFrame>();
+    f->pager = this;
+    f->number = n;
+    if (!spare_.empty()) {
+        f->bytes = std::move(spare_.back());
+        spare_.pop_back();
+    } else {
+        f->bytes = std::make_unique_for_overwrite<uint8_t[]>(pageSize_);  // read or zeroed next
+    }
+    PageFrame* raw = f.get();
+    frames_.emplace(n, std::move(f));
+    ++cleanPages_;
+    linkLruNewest(raw);
+    return raw;
+}
+
+void Pager::readFromFile(uint32_t n, uint8_t* out) {
+    const size_t got = file_->readAt(uint64_t(n) * pageSize_, {out, pageSize_});
     if (got != pageSize_) throw CorruptError("page " + std::to_string(n) + " is cut short");
     if (databaseKey_ != 0 && n != 0) {
         uint8_t key[4];
         putLe32(key, databaseKey_ ^ n);
-        rc4Apply(key, 4, buf.get(), pageSize_);
+        rc4Apply(key, 4, out, pageSize_);
     }
-    return cache_.emplace(n, std::move(buf)).first->second.get();
 }
+
+void Pager::pin(PageFrame* f) {
+    if (f->pins++ == 0 && !f->dirty) unlinkLru(f);
+}
+
+void Pager::unpin(PageFrame* f) noexcept {
+    if (--f->pins == 0 && !f->dirty) {
+        linkLruNewest(f);
+        if (cleanPages_ > capacity_) trim();
+    }
+}
+
+void Pager::unlinkLru(PageFrame* f) {
+    (f->older ? f->older->newer : oldest_) = f->newer;
+    (f->newer ? f->newer->older : newest_) = f->older;
+    f->older = f->newer = nullptr;
+}
+
+void Pager::linkLruNewest(PageFrame* f) {
+    f->older = newest_;
+    f->newer = nullptr;
+    (newest_ ? newest_->newer : oldest_) = f;
+    newest_ = f;
+}
+
+void Pager::markDirty(PageFrame* f) {
+    if (f->dirty) return;
+    if (f->pins == 0) unlinkLru(f);
+    f->dirty = true;
+    --cleanPages_;
+    dirty_.push_back(f);
+}
+
+// A dirty frame whose contents match the file again (written, or put back).
+void Pager::makeClean(PageFrame* f) {
+    f->dirty = false;
+    ++cleanPages_;
+    if (f->pins == 0) linkLruNewest(f);
+}
+
+// Takes an unpinned frame out of the cache, keeping its buffer for the next one.
+void Pager::drop(PageFrame* f) {
+    if (!f->dirty) {
+        unlinkLru(f);
+        --cleanPages_;
+    }
+    if (last_ == f) last_ = nullptr;
+    auto it = frames_.find(f->number);
+    spare_.push_back(std::move(it->second->bytes));
+    if (spare_.size() > 4) spare_.erase(spare_.begin());
+    frames_.erase(it);
+}
+
+void Pager::trim() {
+    while (cleanPages_ > capacity_ && oldest_) drop(oldest_);
+}
+
+void Pager::requireUsable() const {
+    if (!unusable_.empty())
+        throw IoError("The database '" + path_ + "' must be closed and opened again: " + unusable_);
+}
+
+// Transactions.
 
 void Pager::begin() {
     if (inTransaction_) throw RuntimeError(err::Unspecified, "A write transaction is already open on '" + path_ + "'.");
@@ -227,6 +340,7 @@ void Pager::begin() {
     if (readOnly())
         throw RuntimeError(err::ReadOnly,
                            "Cannot update. Database or object is read-only ('" + path_ + "' " + readOnlyReason() + ").");
+    requireUsable();
     inTransaction_ = true;
     originalPageCount_ = pageCount_;
 }
@@ -239,95 +353,172 @@ void Pager::requireTransaction(const char* action) const {
 
 uint8_t* Pager::writable(uint32_t n) {
     requireTransaction("change a page");
-    uint8_t* p = page(n);
-    if (n < originalPageCount_ && !originals_.contains(n)) {
-        auto copy = std::make_unique<uint8_t[]>(pageSize_);
-        std::memcpy(copy.get(), p, pageSize_);
-        originals_.emplace(n, std::move(copy));
+    PageFrame* f = frame(n);
+    if (!f->dirty && n < originalPageCount_) {
+        startJournal();
+        journal_->append(n, f->bytes.get());
     }
-    return p;
+    markDirty(f);
+    return f->bytes.get();
 }
 
 uint32_t Pager::append() {
     requireTransaction("add a page");
+    requireUsable();
     if (pageCount_ == UINT32_MAX)
         throw RuntimeError(err::Unspecified, "The database '" + path_ + "' cannot grow any further.");
     const uint32_t n = pageCount_;
-    // A page appended before by a transaction that rolled back keeps its buffer (someone
-    // may still hold a view into it); it starts over as zeros.
-    auto& buf = cache_[n];
-    if (!buf) buf = std::make_unique<uint8_t[]>(pageSize_);
-    std::memset(buf.get(), 0, pageSize_);
+    // A page appended before by a transaction that rolled back may still be pinned; it
+    // starts over as zeros.
+    auto it = frames_.find(n);
+    PageFrame* f = it != frames_.end() ? it->second.get() : newFrame(n);
+    std::memset(f->bytes.get(), 0, pageSize_);
+    markDirty(f);
     ++pageCount_;
     return n;
 }
 
+std::vector<PageFrame*> Pager::dirtyInPageOrder() const {
+    std::vector<PageFrame*> pages = dirty_;
+    std::sort(pages.begin(), pages.end(), [](const PageFrame* a, const PageFrame* b) { return a->number < b->number; });
+    return pages;
+}
+
 void Pager::rollback() {
     requireTransaction("roll back");
-    restoreMemory();
+    restoreMemory(true);
+    removeJournal();
+    endTransaction();
 }
 
-void Pager::restoreMemory() {
-    for (const auto& [n, original] : originals_) std::memcpy(cache_.at(n).get(), original.get(), pageSize_);
-    originals_.clear();
-    pageCount_ = originalPageCount_;
+void Pager::startJournal() {
+    if (journal_) return;
+    journalStarted_ = true;
+    journal_ = std::make_unique<JournalWriter>(*env_, Journal::pathFor(path_), pageSize_, originalPageCount_,
+                                               saltSource_());
+}
+
+void Pager::endTransaction() {
+    journal_.reset();
+    journalStarted_ = false;
     inTransaction_ = false;
+    trim();
 }
 
-std::vector<Journal::Original> Pager::journalRecords() const {
-    std::vector<Journal::Original> records;
-    records.reserve(originals_.size());
-    for (const auto& [n, original] : originals_) records.push_back({n, original.get()});
-    std::sort(records.begin(), records.end(), [](const auto& a, const auto& b) { return a.page < b.page; });
-    return records;
+// Drops the journal of a transaction that never reached the database: unsealed, it is
+// discarded at the next open anyway, so a failure to remove it is harmless.
+void Pager::removeJournal() noexcept {
+    if (!journalStarted_) return;
+    try {
+        env_->remove(Journal::pathFor(path_));
+    } catch (...) {
+    }
+}
+
+// Memory shows the state before the transaction again. Pages nobody pins simply leave the
+// cache (the file holds them as they were, or will after the next open's rollback when
+// `fileRestored` is false: then their originals are kept in memory from the journal);
+// pinned pages get their original contents back in the same buffer.
+void Pager::restoreMemory(bool fileRestored) noexcept {
+    const std::vector<PageFrame*> changed = std::move(dirty_);
+    dirty_.clear();
+    pageCount_ = originalPageCount_;
+    for (PageFrame* f : changed) {
+        try {
+            if (f->number >= originalPageCount_) {
+                std::memset(f->bytes.get(), 0, pageSize_);
+            } else if (!fileRestored) {
+                if (!journal_ || !journal_->readOriginalOf(f->number, f->bytes.get()))
+                    throw IoError("the original of page " + std::to_string(f->number) + " is lost");
+                ++f->pins;  // kept until the pager closes: the file cannot be trusted for it
+            } else if (f->pins > 0) {
+                readFromFile(f->number, f->bytes.get());
+            }
+        } catch (const std::exception& e) {
+            if (unusable_.empty()) unusable_ = e.what();
+        }
+        makeClean(f);
+        if (f->pins == 0) drop(f);
+    }
 }
 
 void Pager::commit() {
     requireTransaction("commit");
-    if (originals_.empty() && pageCount_ == originalPageCount_) {
-        inTransaction_ = false;
+    if (dirty_.empty() && pageCount_ == originalPageCount_) {
+        endTransaction();
         return;
     }
-    const std::vector<Journal::Original> records = journalRecords();
     const std::string journalPath = Journal::pathFor(path_);
+    const std::vector<PageFrame*> pages = dirtyInPageOrder();
     enum class Step { Journal, Database, RemoveJournal, SyncRemoval } step = Step::Journal;
     try {
-        Journal::write(*env_, journalPath, pageSize_, originalPageCount_, saltSource_(), records);
+        startJournal();
+        journal_->seal();
         step = Step::Database;
-        for (const Journal::Original& r : records) file_->writeAt(uint64_t(r.page) * pageSize_, {cache_.at(r.page).get(), pageSize_});
-        for (uint32_t n = originalPageCount_; n < pageCount_; ++n)
-            file_->writeAt(uint64_t(n) * pageSize_, {cache_.at(n).get(), pageSize_});
+        writePages(pages);
         file_->sync();
         step = Step::RemoveJournal;
         env_->remove(journalPath);
         step = Step::SyncRemoval;
         env_->syncDirectory(directoryOf(journalPath));
     } catch (...) {
+        bool fileRestored = true;
         if (step == Step::Journal) {
             // The database is untouched. Whatever part of the journal reached the disk is
             // either incomplete (discarded at the next open) or holds the pages as they
             // still are; remove it if we can, it is harmless if we cannot.
-            try {
-                env_->remove(journalPath);
-            } catch (const IoError&) {
-            }
+            removeJournal();
         } else {
-            restoreFile(records, step != Step::SyncRemoval);
+            restoreFile(step != Step::SyncRemoval);
+            fileRestored = !needsReopen_;
         }
-        restoreMemory();
+        restoreMemory(fileRestored);
+        endTransaction();
         throw;
     }
-    originals_.clear();
-    inTransaction_ = false;
+    for (PageFrame* f : dirty_) makeClean(f);
+    dirty_.clear();
+    endTransaction();
 }
 
-void Pager::restoreFile(const std::vector<Journal::Original>& records, bool journalOnDisk) {
+// Writes pages (in page order) to the database, runs of neighbours in one write each.
+void Pager::writePages(const std::vector<PageFrame*>& pages) {
+    constexpr size_t maxRun = 64;
+    std::vector<uint8_t> run;
+    for (size_t i = 0; i < pages.size();) {
+        size_t n = 1;
+        while (i + n < pages.size() && n < maxRun && pages[i + n]->number == pages[i]->number + n) ++n;
+        const uint64_t offset = uint64_t(pages[i]->number) * pageSize_;
+        if (n == 1) {
+            file_->writeAt(offset, {pages[i]->bytes.get(), pageSize_});
+        } else {
+            run.resize(n * pageSize_);
+            for (size_t k = 0; k < n; ++k) std::memcpy(run.data() + k * pageSize_, pages[i + k]->bytes.get(), pageSize_);
+            file_->writeAt(offset, run);
+        }
+        i += n;
+    }
+}
+
+void Pager::restoreFile(bool journalOnDisk) {
     const std::string journalPath = Journal::pathFor(path_);
     try {
+        std::vector<uint8_t> original(pageSize_);
         // Without its journal on disk the file must not be touched: a crash in the middle
-        // of the restore would leave a mix with nothing to repair it.
-        if (!journalOnDisk) Journal::write(*env_, journalPath, pageSize_, originalPageCount_, saltSource_(), records);
-        for (const Journal::Original& r : records) file_->writeAt(uint64_t(r.page) * pageSize_, {r.bytes, pageSize_});
+        // of the restore would leave a mix with nothing to repair it. The removed journal
+        // is still open, so it is written again from itself.
+        if (!journalOnDisk) {
+            JournalWriter again(*env_, journalPath, pageSize_, originalPageCount_, saltSource_());
+            for (size_t i = 0; i < journal_->recordCount(); ++i) {
+                journal_->readOriginal(i, original.data());
+                again.append(journal_->pageOf(i), original.data());
+            }
+            again.seal();
+        }
+        for (size_t i = 0; i < journal_->recordCount(); ++i) {
+            journal_->readOriginal(i, original.data());
+            file_->writeAt(uint64_t(journal_->pageOf(i)) * pageSize_, original);
+        }
         file_->truncate(uint64_t(originalPageCount_) * pageSize_);
         file_->sync();
         Journal::remove(*env_, journalPath);

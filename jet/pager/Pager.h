@@ -4,31 +4,36 @@
 // write transactions that a rollback journal makes atomic and durable.
 //
 // Invariants:
-//  - A page is read from the file at most once; the buffer handed out by read() stays
-//    at the same address for the pager's whole life, so decoded views into it (rows,
-//    names) never dangle. Its contents change only through this pager: writable() hands
-//    out that same buffer, and a rollback copies the originals back into it.
+//  - The cache holds at most its capacity of pages that match the file (clean pages), plus
+//    the pages the open transaction changed (dirty pages), which stay until it ends. A
+//    clean page leaves the cache, least recently used first, only when nothing pins it: a
+//    PageRef keeps its page at one address, unchanged but by this pager, for as long as it
+//    lives, so decoded views into it (rows, names) never dangle. Every page is read from
+//    the file again when it is needed after it left.
 //  - Pages of an encrypted database are decrypted right after reading; nothing above
 //    the pager ever sees cipher text. Such a database is never written.
 //  - A page number at or beyond pageCount() is never read: it is reported as a
 //    corrupt-file error, never as a crash. Pages appended by a transaction that rolled
 //    back are beyond pageCount() again.
 //  - A page may be changed only between begin() and commit() or rollback(), through the
-//    buffer writable() returns; the first writable() of a page in a transaction keeps a
-//    copy of its original. Nothing reaches the database file before commit().
-//  - commit() writes the journal of originals and syncs it and its folder before it
+//    buffer writable() returns (the one its PageRefs see); the first writable() of a page
+//    in a transaction appends its original to the journal file at once (JournalWriter), so
+//    memory never holds originals. Nothing reaches the database file before commit().
+//  - commit() seals the journal (header written, file and folder synced) before it
 //    overwrites any page of the database; it syncs the database before it removes the
 //    journal, and syncs the folder after the removal, which is the moment the transaction
 //    becomes durable. At every instant the file and its journal therefore describe either
 //    the state before the transaction or the state after it.
 //  - When commit() throws, memory shows the state before the transaction again, and so
-//    does the file: restored at once while the disk still takes writes (the journal is
-//    written again first if it was already removed), or else by the next open, which
-//    rolls back the hot journal left behind; in that case the pager refuses to begin
-//    another transaction until it is reopened. The one case no order of writes can
-//    settle: a folder sync that fails after the journal's removal did reach the disk,
-//    followed by a disk that takes no more writes; the transaction is then durable
-//    although commit() reported the failure.
+//    does the file: restored at once from the journal while the disk still takes writes
+//    (the journal is written again first if it was already removed), or else by the next
+//    open, which rolls back the hot journal left behind; in that case the pager keeps the
+//    originals of the pages the commit wrote in memory and refuses to begin another
+//    transaction until it is reopened. The one case no order of writes can settle: a
+//    folder sync that fails after the journal's removal did reach the disk, followed by a
+//    disk that takes no more writes; the transaction is then durable although commit()
+//    reported the failure.
+//  - A rollback, or a failed commit, puts a pinned page's contents back in the same buffer.
 //  - The journal is "<database>-journal" beside the database. Opening, for reading or for
 //    writing, rolls back a hot journal before the first page is read, and discards a
 //    journal that was never completely written (the database was not touched then). A
@@ -54,6 +59,45 @@
 namespace jet {
 
 class DatabaseLock;
+class Pager;
+
+// A page in the pager's cache, shared by the PageRefs to it.
+struct PageFrame {
+    Pager* pager = nullptr;
+    uint32_t number = 0;
+    uint32_t pins = 0;
+    bool dirty = false;
+    std::unique_ptr<uint8_t[]> bytes;
+    PageFrame* older = nullptr;  // the list of unpinned clean pages, by last use
+    PageFrame* newer = nullptr;
+};
+
+// A pinned page: it stays in memory, at one address, as long as a PageRef to it lives.
+// What it shows changes only through the pager (a write in a transaction, a rollback).
+// PageRefs must not outlive their pager.
+class PageRef {
+public:
+    PageRef() = default;
+    PageRef(const PageRef& other) : PageRef(other.frame_) {}
+    PageRef(PageRef&& other) noexcept : frame_(other.frame_) { other.frame_ = nullptr; }
+    PageRef& operator=(PageRef other) noexcept {
+        std::swap(frame_, other.frame_);
+        return *this;
+    }
+    ~PageRef() { release(); }
+
+    explicit operator bool() const { return frame_ != nullptr; }
+    const uint8_t* data() const { return frame_->bytes.get(); }
+    uint8_t operator[](size_t i) const { return frame_->bytes[i]; }
+    uint32_t number() const { return frame_->number; }
+
+private:
+    friend class Pager;
+    explicit PageRef(PageFrame* frame);
+    void release() noexcept;
+
+    PageFrame* frame_ = nullptr;
+};
 
 // What opening found beside the database.
 struct JournalRecovery {
@@ -100,8 +144,20 @@ public:
     uint32_t pageCount() const { return pageCount_; }
     const std::string& path() const { return path_; }
 
-    // The contents of page n. Throws a corrupt-file error when n is out of range.
-    const uint8_t* read(uint32_t n);
+    // Page n, pinned. Throws a corrupt-file error when n is out of range, IoError when it
+    // cannot be read.
+    PageRef read(uint32_t n);
+
+    // Clean pages the cache keeps at most (pinned pages may exceed it for as long as they
+    // are pinned); at least one.
+    static constexpr size_t kDefaultCacheBytes = size_t(32) << 20;
+    void setCacheBytes(size_t bytes);
+    // What pagers opened from now on start with (tests shrink it so that pages leave the
+    // cache as early as they may).
+    static void setDefaultCacheBytes(size_t bytes);
+    size_t cachePages() const { return capacity_; }
+    // Pages in memory now, clean and dirty.
+    size_t residentPages() const { return frames_.size(); }
 
     // Pages n >= 1 of a database with a non-zero database key are RC4-encrypted.
     void setDatabaseKey(uint32_t key) { databaseKey_ = key; }
@@ -129,7 +185,9 @@ public:
     // to be restored by reopening.
     void begin();
     bool inTransaction() const { return inTransaction_; }
-    // The buffer of page n (the one read() returns), to be changed in place.
+    // The buffer of page n (the one its PageRefs see), to be changed in place; it stays
+    // valid until the transaction ends. The first call for a page appends its original to
+    // the journal, so it may throw IoError.
     uint8_t* writable(uint32_t n);
     // Adds a zeroed page at the end of the file and returns its number.
     uint32_t append();
@@ -140,12 +198,29 @@ public:
     void rollback();
 
 private:
+    friend class PageRef;
+
     Pager(Env& env, std::unique_ptr<File> file, std::string path, uint32_t pageSize);
-    uint8_t* page(uint32_t n);
+    PageFrame* frame(uint32_t n);
+    PageFrame* newFrame(uint32_t n);
+    void readFromFile(uint32_t n, uint8_t* out);
+    void pin(PageFrame* f);
+    void unpin(PageFrame* f) noexcept;
+    void unlinkLru(PageFrame* f);
+    void linkLruNewest(PageFrame* f);
+    void markDirty(PageFrame* f);
+    void makeClean(PageFrame* f);
+    void drop(PageFrame* f);
+    void trim();
     void requireTransaction(const char* action) const;
-    std::vector<Journal::Original> journalRecords() const;
-    void restoreFile(const std::vector<Journal::Original>& records, bool journalOnDisk);
-    void restoreMemory();
+    void requireUsable() const;
+    std::vector<PageFrame*> dirtyInPageOrder() const;
+    void writePages(const std::vector<PageFrame*>& pages);
+    void restoreFile(bool journalOnDisk);
+    void restoreMemory(bool fileRestored) noexcept;
+    void startJournal();
+    void removeJournal() noexcept;
+    void endTransaction();
 
     Env* env_ = nullptr;  // null for a pager over a bare file
     std::unique_ptr<File> file_;
@@ -156,14 +231,33 @@ private:
     uint32_t databaseKey_ = 0;
     std::string readOnlyReason_;
     JournalRecovery recovery_;
-    std::unordered_map<uint32_t, std::unique_ptr<uint8_t[]>> cache_;
+
+    std::unordered_map<uint32_t, std::unique_ptr<PageFrame>> frames_;
+    PageFrame* last_ = nullptr;    // the page asked for last, found without a lookup
+    PageFrame* oldest_ = nullptr;  // unpinned clean pages, least recently used first
+    PageFrame* newest_ = nullptr;
+    size_t cleanPages_ = 0;
+    size_t capacity_ = kDefaultCacheBytes / 4096;
+    std::vector<PageFrame*> dirty_;
+    std::vector<std::unique_ptr<uint8_t[]>> spare_;  // buffers of pages that left the cache
 
     bool upgradable_ = false;  // opened for reading a file it could write
     bool inTransaction_ = false;
     bool needsReopen_ = false;
+    std::string unusable_;     // why the pages in memory can no longer be trusted
     uint32_t originalPageCount_ = 0;
-    std::unordered_map<uint32_t, std::unique_ptr<uint8_t[]>> originals_;
+    std::unique_ptr<JournalWriter> journal_;
+    bool journalStarted_ = false;  // a journal file may exist for the open transaction
     std::mt19937 saltSource_;
 };
+
+inline PageRef::PageRef(PageFrame* frame) : frame_(frame) {
+    if (frame_) frame_->pager->pin(frame_);
+}
+
+inline void PageRef::release() noexcept {
+    if (frame_) frame_->pager->unpin(frame_);
+    frame_ = nullptr;
+}
 
 }  // namespace jet

@@ -259,7 +259,8 @@ void SchemaWriter::dropTable(const sql::DropTable& st) {
         };
     };
     const auto indexPageOf = [&](uint32_t p) {
-        const uint8_t* b = db_.pager().read(p);
+        const PageRef bPage = db_.pager().read(p);
+        const uint8_t* b = bPage.data();
         return (b[0] == page_type::IndexNode || b[0] == page_type::IndexLeaf) && le32(b + 4) == id;
     };
     std::vector<uint32_t> mapRows = {def->ownedMap(), def->freeMap()};

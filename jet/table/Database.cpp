@@ -3,6 +3,7 @@
 #include "base/Bytes.h"
 #include "base/CorruptError.h"
 #include "table/Table.h"
+#include "table/Transaction.h"
 
 namespace jet {
 
@@ -17,7 +18,7 @@ CorruptError cutShort(const std::string& path) {
 
 }  // namespace
 
-std::unique_ptr<Database> Database::open(const std::string& path, Env& env) {
+std::unique_ptr<Database> Database::open(const std::string& path, Env& env, size_t cacheBytes) {
     if (!env.exists(path)) throw RuntimeError(err::Unspecified, "Could not find file '" + path + "'.");
     // Opened for reading; the first write asks the pager for write access (Pager.h).
     std::unique_ptr<Pager> pager;
@@ -28,6 +29,7 @@ std::unique_ptr<Database> Database::open(const std::string& path, Env& env) {
     } catch (const IoError& e) {
         throw RuntimeError(err::Unspecified, "The database '" + path + "' cannot be opened: " + e.description());
     }
+    if (cacheBytes != 0) pager->setCacheBytes(cacheBytes);
     return open(std::move(pager));
 }
 
@@ -48,9 +50,10 @@ std::unique_ptr<Database> Database::open(std::unique_ptr<Pager> pager) {
     const Format& f = Format::of(version);
     const uint64_t size = pager->file().size();
     if (size % f.pageSize != 0 || size < 3ull * f.pageSize || pager->pageSize() != f.pageSize) throw cutShort(path);
-    if (size / f.pageSize > UINT32_MAX >> 8)
+    // Row pointers (page * 256 + slot) of every page then fit in 31 bits.
+    if (size / f.pageSize >= (uint64_t(1) << 23))
         throw CorruptError("'" + path + "' is larger than any database of its format can be");
-    Header header = Header::parse(version, {pager->read(0), f.pageSize});
+    Header header = Header::parse(version, {pager->read(0).data(), f.pageSize});
     std::unique_ptr<Database> db(new Database(std::move(pager), std::move(header)));
     db->catalog_ = std::make_unique<Catalog>(Catalog::read(*db));
     return db;
@@ -93,6 +96,49 @@ void Database::beginWrite() {
     pager_->begin();
 }
 
+void Database::beginTransaction() {
+    if (inTransaction()) throw RuntimeError(err::TransactionOpen, "Only one transaction can be active on this session.");
+    open_ = std::make_unique<Transaction>(*this);
+    ++serial_;
+}
+
+void Database::commitTransaction() {
+    if (!inTransaction()) throw RuntimeError(err::NoTransaction, "No transaction is active.");
+    if (!failure_.empty()) {
+        const std::string why = std::move(failure_);
+        failure_.clear();
+        throw RuntimeError(err::Unspecified, "The transaction was rolled back, nothing of it was written: " + why);
+    }
+    std::unique_ptr<Transaction> tx = std::move(open_);
+    try {
+        tx->commit();
+    } catch (...) {
+        rolledBack_.insert(serial_);  // a failed commit leaves the state before it
+        throw;
+    }
+}
+
+void Database::rollbackTransaction() {
+    if (!inTransaction()) throw RuntimeError(err::NoTransaction, "No transaction is active.");
+    failure_.clear();
+    rolledBack_.insert(serial_);
+    if (std::unique_ptr<Transaction> tx = std::move(open_)) tx->rollback();
+}
+
+Transaction& Database::transaction() {
+    if (!failure_.empty())
+        throw RuntimeError(err::Unspecified, "The transaction was rolled back after a refused change (" + failure_ +
+                                                 "); end it with RollbackTrans before changing anything else.");
+    if (!open_) throw RuntimeError(err::NoTransaction, "No transaction is active.");
+    return *open_;
+}
+
+void Database::failTransaction(const std::string& why) {
+    rolledBack_.insert(serial_);
+    failure_ = why.empty() ? "a change was refused" : why;
+    if (std::unique_ptr<Transaction> tx = std::move(open_)) tx->rollback();
+}
+
 void Database::reloadCatalog() { catalog_ = std::make_unique<Catalog>(Catalog::read(*this)); }
 
 void Database::reloadTableDef(uint32_t page) {
@@ -110,7 +156,7 @@ std::shared_ptr<Table> Database::openTable(std::string_view name) const {
     return std::make_shared<Table>(*this, tableDef(e->tdefPage()), e->name);
 }
 
-std::span<const uint8_t> Database::rowBytes(RowLocation loc, uint32_t owner) const {
+PinnedRow Database::rowBytes(RowLocation loc, uint32_t owner) const {
     const Format& f = format();
     DataPage page(f, pager_->read(loc.page));
     auto where = [&] { return "row " + std::to_string(loc.slot) + " of page " + std::to_string(loc.page); };
@@ -119,7 +165,7 @@ std::span<const uint8_t> Database::rowBytes(RowLocation loc, uint32_t owner) con
     uint16_t flags = page.slotFlags(loc.slot);
     if (flags == slot_flag::Deleted) throw CorruptError(where() + " has been deleted");
     auto row = page.row(loc.slot);
-    if (flags != slot_flag::Overflow) return row;
+    if (flags != slot_flag::Overflow) return page.pinnedRow(loc.slot);
     if (row.size() < 4) throw CorruptError(where() + " is an overflow header without a pointer");
     RowLocation target = RowLocation::fromPointer(le32(row.data()));
     DataPage tp(f, pager_->read(target.page));
@@ -129,7 +175,7 @@ std::span<const uint8_t> Database::rowBytes(RowLocation loc, uint32_t owner) con
     uint16_t tflags = tp.slotFlags(target.slot);
     if (tflags == slot_flag::Deleted || tflags == slot_flag::Overflow)
         throw CorruptError(where() + " points to a row that is deleted or moved again");
-    return tp.row(target.slot);
+    return tp.pinnedRow(target.slot);
 }
 
 }  // namespace jet

@@ -9,10 +9,13 @@
 //  - Table definitions are parsed once and shared; a parsed definition never changes: when
 //    a transaction changes a table's counters or schema, the cache gets a new one and
 //    earlier holders keep the one they had.
+//  - At most one transaction is held open across calls (the connection's BeginTrans);
+//    while it is, every row change goes into it and reaches the file only with it.
 
 #include <cstdint>
 #include <map>
 #include <memory>
+#include <set>
 #include <span>
 #include <string>
 #include <string_view>
@@ -29,12 +32,14 @@
 namespace jet {
 
 class Table;
+class Transaction;
 
 class Database {
 public:
     // Opens a file. Throws RuntimeError -2147467259 when it cannot be found or opened or
     // is not a database of a supported format, CorruptError when it is damaged.
-    static std::unique_ptr<Database> open(const std::string& path, Env& env = Env::posix());
+    // `cacheBytes` bounds the pages kept in memory (0: the pager's default, Pager.h).
+    static std::unique_ptr<Database> open(const std::string& path, Env& env = Env::posix(), size_t cacheBytes = 0);
     // Opens an already opened file (tests and the fuzzer hand in memory files); such a
     // database is never written.
     static std::unique_ptr<Database> open(std::unique_ptr<File> file, const std::string& path);
@@ -63,6 +68,24 @@ public:
     // Starts a write transaction on the pager, taking write access first (Pager.h). Writers
     // go through jet::Transaction, which ends it.
     void beginWrite();
+    // The transaction held open across calls (the connection's BeginTrans). Beginning a
+    // second one throws err::TransactionOpen; ending one when there is none,
+    // err::NoTransaction.
+    bool inTransaction() const { return open_ || !failure_.empty(); }
+    void beginTransaction();
+    void commitTransaction();
+    void rollbackTransaction();
+    // Where the changes go while one is held open; throws when it failed (below).
+    Transaction& transaction();
+    // A change inside it was refused: everything in it is undone at once, and it stays
+    // "failed" (taking no more changes, CommitTrans reporting `why`) until it is ended.
+    void failTransaction(const std::string& why);
+    // The serial number of the transaction that takes changes (0: none, or it failed), and
+    // whether an earlier one was rolled back: a record set drops the rows it added in a
+    // transaction that was.
+    uint64_t transactionSerial() const { return open_ ? serial_ : 0; }
+    bool rolledBack(uint64_t serial) const { return rolledBack_.count(serial) != 0; }
+
     // Parses a definition again after a transaction changed its counters (or rolled back).
     void reloadTableDef(uint32_t page);
     // After a schema change: the definition is parsed afresh when next asked for (a dropped
@@ -73,7 +96,7 @@ public:
     // The bytes of a live row given by the slot that identifies it, following an overflow
     // header to where the data lives. `owner` is the table's TDEF page; a row on a page
     // of another owner is a CorruptError.
-    std::span<const uint8_t> rowBytes(RowLocation location, uint32_t owner) const;
+    PinnedRow rowBytes(RowLocation location, uint32_t owner) const;
 
 private:
     Database(std::unique_ptr<Pager> pager, Header header);
@@ -85,6 +108,10 @@ private:
     std::unique_ptr<Catalog> catalog_;
     mutable std::map<uint32_t, std::shared_ptr<const TableDef>> defs_;
     mutable std::map<uint16_t, std::shared_ptr<const CodePage>> columnCodePages_;
+    std::unique_ptr<Transaction> open_;  // declared after pager_: rolled back before it closes
+    std::string failure_;                // why the transaction held open failed
+    uint64_t serial_ = 0;
+    std::set<uint64_t> rolledBack_;
 };
 
 }  // namespace jet

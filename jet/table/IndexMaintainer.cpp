@@ -3,7 +3,6 @@
 #include <cstdio>
 
 #include "base/CorruptError.h"
-#include "index/IndexTree.h"
 #include "index/IndexTreeWriter.h"
 #include "table/Database.h"
 #include "table/RowReader.h"
@@ -23,7 +22,7 @@ constexpr const char* kNullKeyMessage = "Index or primary key cannot contain a N
 IndexMaintainer::IndexMaintainer(const Database& db, const TableDef& def, std::string tableName, PagesOf pagesOf)
     : db_(db), def_(def), tableName_(std::move(tableName)), pagesOf_(std::move(pagesOf)) {
     for (const PhysicalIndex& x : def.physicalIndexes()) {
-        Index index{&x, "", false, std::make_unique<IndexRowKey>(db, def, x)};
+        Index index{&x, "", false, std::make_unique<IndexRowKey>(db, def, x), nullptr, nullptr};
         for (const LogicalIndex& l : def.logicalIndexes()) {
             if (l.physicalIndex != x.number) continue;
             if (index.name.empty() || l.kind == index_kind::PrimaryKey) index.name = l.name;
@@ -65,10 +64,17 @@ std::optional<std::vector<uint8_t>> IndexMaintainer::newKey(const Index& x, cons
     return std::move(key.bytes);
 }
 
+IndexTreeWriter& IndexMaintainer::writerOf(Index& x) {
+    if (!x.writer) {
+        x.pages = std::make_unique<IndexPageCache>(db_.format(), pagesOf_(*x.physical));
+        x.writer = std::make_unique<IndexTreeWriter>(*x.pages, x.physical->rootPage, def_.page());
+    }
+    return *x.writer;
+}
+
 // Refuses a key a unique index already holds for another row; tells whether it is new.
-bool IndexMaintainer::checkNewKey(const Index& x, const std::vector<uint8_t>& key, IndexRowPointer at) const {
-    IndexTree tree(db_.format(), pagesOf_(*x.physical), x.physical->rootPage);
-    const auto other = tree.otherRowWithKey(key, at);
+bool IndexMaintainer::checkNewKey(Index& x, const std::vector<uint8_t>& key, IndexRowPointer at) {
+    const bool other = writerOf(x).keyTakenByOther(key, at);
     if (other && x.keys->unique() && key != x.keys->allNullKey())
         throw RuntimeError(err::IntegrityViolation, kDuplicateMessage);
     return !other;
@@ -87,7 +93,7 @@ std::optional<std::vector<uint8_t>> IndexMaintainer::oldKey(const Index& x, cons
 IndexPlan IndexMaintainer::plan(const RowReader* before, const RowReader* after, IndexRowPointer at) {
     refuseUnknownCollation();
     IndexPlan plan{at, {}};
-    for (const Index& x : indexes_) {
+    for (Index& x : indexes_) {
         IndexEntryChange change;
         change.index = x.physical->number;
         if (before) change.remove = oldKey(x, *before, change.removeByRow);
@@ -116,10 +122,15 @@ IndexPlan IndexMaintainer::planDelete(std::span<const uint8_t> row, IndexRowPoin
     return plan(&before, nullptr, at);
 }
 
+void IndexMaintainer::flush() {
+    for (Index& x : indexes_)
+        if (x.pages) x.pages->flush();
+}
+
 void IndexMaintainer::apply(const IndexPlan& plan) {
     for (const IndexEntryChange& change : plan.changes) {
-        const Index& x = indexes_.at(change.index);
-        IndexTreeWriter writer(db_.format(), pagesOf_(*x.physical), x.physical->rootPage, def_.page());
+        Index& x = indexes_.at(change.index);
+        IndexTreeWriter& writer = writerOf(x);
         const bool removed = change.removeByRow ? writer.removeRow(plan.row)
                              : change.remove    ? writer.remove(*change.remove, plan.row)
                                                 : true;

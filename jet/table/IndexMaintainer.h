@@ -14,6 +14,9 @@
 //    and is exactly what the integrity checker rebuilds from the row.
 //  - Deleting a row whose old key cannot be rebuilt (characters without known codes,
 //    written by Jet itself) finds its entry by the row pointer instead.
+//  - Each index's pages stay decoded for the maintainer's life (its transaction) and go
+//    back to the pager only in flush(), which the transaction calls before it commits.
+//    The check of a new key and its insert share one descent.
 
 #include <cstdint>
 #include <functional>
@@ -25,7 +28,9 @@
 
 #include "format/IndexEntry.h"
 #include "format/TableDef.h"
+#include "index/IndexPageCache.h"
 #include "index/IndexPageStore.h"
+#include "index/IndexTreeWriter.h"
 #include "table/IndexRowKey.h"
 #include "table/RowReader.h"
 
@@ -62,6 +67,8 @@ public:
 
     // Applies a plan made against the indexes as they are now.
     void apply(const IndexPlan& plan);
+    // Writes every changed index page back to the pager.
+    void flush();
 
 private:
     struct Index {
@@ -69,12 +76,15 @@ private:
         std::string name;  // as users know it: the logical index's name
         bool primaryKey;
         std::unique_ptr<IndexRowKey> keys;
+        std::unique_ptr<IndexPageCache> pages;  // made at the first use
+        std::unique_ptr<IndexTreeWriter> writer;
     };
 
     IndexPlan plan(const RowReader* before, const RowReader* after, IndexRowPointer at);
     void refuseUnknownCollation() const;
     std::optional<std::vector<uint8_t>> newKey(const Index& x, const RowReader& row) const;
-    bool checkNewKey(const Index& x, const std::vector<uint8_t>& key, IndexRowPointer at) const;
+    IndexTreeWriter& writerOf(Index& x);
+    bool checkNewKey(Index& x, const std::vector<uint8_t>& key, IndexRowPointer at);
     std::optional<std::vector<uint8_t>> oldKey(const Index& x, const RowReader& row, bool& byRow) const;
     [[noreturn]] void refuse(const Index& x, const std::string& why, int32_t number) const;
 

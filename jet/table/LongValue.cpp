@@ -11,12 +11,12 @@ namespace jet {
 
 namespace {
 
-std::span<const uint8_t> lvalRow(const Database& db, RowLocation loc) {
+PinnedRow lvalRow(const Database& db, RowLocation loc) {
     DataPage page(db.format(), db.pager().read(loc.page));
     auto where = [&] { return "long-value row " + std::to_string(loc.slot) + " of page " + std::to_string(loc.page); };
     if (!page.isDataPage() || page.owner() != LvalOwner) throw CorruptError(where() + " is not on a long-value page");
     if (loc.slot >= page.slotCount() || page.isDeleted(loc.slot)) throw CorruptError(where() + " does not exist");
-    return page.row(loc.slot);
+    return page.pinnedRow(loc.slot);
 }
 
 }  // namespace
@@ -37,7 +37,8 @@ std::vector<uint8_t> readLongValue(const Database& db, std::span<const uint8_t> 
         return {field.begin() + 12, field.begin() + 12 + h.length};
     }
     if (h.kind == long_value_kind::SingleRow) {
-        auto row = lvalRow(db, h.first);
+        const PinnedRow pinned = lvalRow(db, h.first);
+        const auto row = pinned.bytes;
         if (seen) seen->push_back(h.first);
         if (h.length > row.size()) throw CorruptError("a memo or OLE value is longer than its long-value row");
         return {row.begin(), row.begin() + h.length};
@@ -50,7 +51,8 @@ std::vector<uint8_t> readLongValue(const Database& db, std::span<const uint8_t> 
     while (out.size() < h.length) {
         if (loc.page == 0) throw CorruptError("a memo or OLE value's chain ends before its length");
         if (!visited.insert(loc.pointer()).second) throw CorruptError("a memo or OLE value's chain loops");
-        auto row = lvalRow(db, loc);
+        const PinnedRow pinned = lvalRow(db, loc);
+        const auto row = pinned.bytes;
         if (seen) seen->push_back(loc);
         if (row.size() < 4) throw CorruptError("a long-value row is too short for its chain pointer");
         size_t take = std::min<size_t>(row.size() - 4, h.length - out.size());

@@ -15,6 +15,7 @@
 #include <span>
 #include <vector>
 
+#include "format/DataPage.h"
 #include "format/Format.h"
 #include "format/TableDef.h"
 
@@ -31,6 +32,11 @@ public:
     RowReader(const Format& format, uint16_t varColumns, std::span<const uint8_t> row);
     RowReader(const Format& format, const TableDef& def, std::span<const uint8_t> row)
         : RowReader(format, def.varColumns(), row) {}
+    // Over a row in a page, which stays pinned as long as the reader (or a copy) lives.
+    RowReader(const Format& format, const TableDef& def, PinnedRow row)
+        : RowReader(format, def.varColumns(), row.bytes) {
+        pin_ = std::move(row.page);
+    }
 
     uint16_t columnCount() const { return columnCount_; }
     uint16_t varCount() const { return varCount_; }
@@ -51,6 +57,7 @@ private:
     bool hasVarSection_ = false;
     uint32_t trailerStart_ = 0;  // the end-of-data field, offsets, jump table, count and mask
     std::vector<uint16_t> jet3Offsets_;  // Jet 3: slot offsets with the jump table applied, eod last
+    PageRef pin_;
 };
 
 }  // namespace jet

@@ -84,11 +84,19 @@ std::vector<uint8_t> encodeRow(const Format& f, const TableDef& def, const std::
     for (const Column& c : columns)
         if (c.isFixed() && c.type() != ColumnType::Bool) fixedEnd = std::max<uint32_t>(fixedEnd, c.fixedOffset + fixedWidth(c));
 
-    std::vector<uint8_t> row(n + fixedEnd, 0);
+    size_t variableBytes = 0;
+    for (const StoredValue& v : values) variableBytes += v.bytes.size();
+    std::vector<uint8_t> row;
+    row.reserve(n + fixedEnd + variableBytes + 2 * (varCount + 2) + variableBytes / 256 + 2 + maskSize + minimumRowLength);
+    row.assign(n + fixedEnd, 0);
     if (n == 1) row[0] = uint8_t(columnCount);
     else putLe16(row.data(), columnCount);
-    std::vector<uint8_t> mask(maskSize, 0);
-    std::vector<const StoredValue*> bySlot(varCount, nullptr);
+    // Scratch lists kept between rows: a row costs no allocation but its own bytes.
+    thread_local std::vector<uint8_t> mask;
+    thread_local std::vector<const StoredValue*> bySlot;
+    thread_local std::vector<uint32_t> offsets;
+    mask.assign(maskSize, 0);
+    bySlot.assign(varCount, nullptr);
 
     for (size_t i = 0; i < columns.size(); ++i) {
         const Column& c = columns[i];
@@ -102,7 +110,7 @@ std::vector<uint8_t> encodeRow(const Format& f, const TableDef& def, const std::
         }
     }
 
-    std::vector<uint32_t> offsets(varCount + 1u);
+    offsets.assign(varCount + 1u, 0);
     if (varCount > 0) {
         for (uint16_t k = 0; k < varCount; ++k) {
             offsets[k] = uint32_t(row.size());

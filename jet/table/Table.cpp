@@ -11,10 +11,17 @@ Table::Table(const Database& db, std::shared_ptr<const TableDef> def, std::strin
 
 const std::vector<RowLocation>& Table::rowLocations() const {
     if (scanned_) return rows_;
+    std::vector<RowLocation> rows;
+    forEachRow([&](RowLocation at) { rows.push_back(at); });
+    rows_ = std::move(rows);
+    scanned_ = true;
+    return rows_;
+}
+
+void Table::forEachRow(const std::function<void(RowLocation)>& visit) const {
     Pager& pager = db_.pager();
     const Format& f = db_.format();
     UsageMap owned = UsageMap::read(pager, f, def_->ownedMap());
-    std::vector<RowLocation> rows;
     for (uint32_t p : owned.pages()) {
         if (p >= pager.pageCount())
             throw CorruptError("table '" + name_ + "' has data on page " + std::to_string(p) +
@@ -25,15 +32,12 @@ const std::vector<RowLocation>& Table::rowLocations() const {
         for (unsigned k = 0; k < n; ++k) {
             uint16_t flags = page.slotFlags(k);
             if (flags == slot_flag::Deleted || flags == slot_flag::Moved) continue;
-            rows.push_back({p, uint8_t(k)});
+            visit({p, uint8_t(k)});
         }
     }
-    rows_ = std::move(rows);
-    scanned_ = true;
-    return rows_;
 }
 
-std::span<const uint8_t> Table::rowBytes(RowLocation location) const { return db_.rowBytes(location, def_->page()); }
+PinnedRow Table::rowBytes(RowLocation location) const { return db_.rowBytes(location, def_->page()); }
 
 RowReader Table::reader(RowLocation location) const { return RowReader(db_.format(), *def_, rowBytes(location)); }
 

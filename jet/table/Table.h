@@ -4,13 +4,14 @@
 // order). Rows are decoded only when a value is asked for.
 //
 // Invariants:
-//  - rowLocations() is built by one pass that reads each data page of the table once
-//    and decodes no row; deleted slots and overflow targets are left out, an overflow
+//  - rowLocations() and forEachRow() make one pass that reads each data page of the table
+//    once and decodes no row; deleted slots and overflow targets are left out, an overflow
 //    header keeps its own place (the row's identity) and is followed when read.
 //  - A page in the owned map that is not a data page of this table is skipped (freed
 //    pages keep their old contents); a page number beyond the end of the file is a
 //    CorruptError, because the rows it should hold are missing.
 
+#include <functional>
 #include <memory>
 #include <span>
 #include <string>
@@ -33,8 +34,10 @@ public:
     const Database& database() const { return db_; }
 
     const std::vector<RowLocation>& rowLocations() const;
-    // The stored bytes of a live row and a reader over them.
-    std::span<const uint8_t> rowBytes(RowLocation location) const;
+    // The same rows, handed over one at a time and kept nowhere.
+    void forEachRow(const std::function<void(RowLocation)>& visit) const;
+    // The stored bytes of a live row (its page pinned) and a reader over them.
+    PinnedRow rowBytes(RowLocation location) const;
     RowReader reader(RowLocation location) const;
 
 private:

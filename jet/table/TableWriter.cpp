@@ -56,6 +56,11 @@ TableWriter::TableWriter(const Database& db, std::shared_ptr<const TableDef> def
 
 TableWriter::~TableWriter() = default;
 
+void TableWriter::flush() {
+    indexes_->flush();
+    counters_.flush();
+}
+
 Variant TableWriter::convert(size_t column, const Variant& value) const {
     const Column& c = def_->columns().at(column);
     return convertForColumn(c, value, db_.version(), db_.codePageOf(c));
@@ -72,34 +77,33 @@ LongValueWriter& TableWriter::longValues(const Column& c) {
     return *writer;
 }
 
-// The stored form of one converted value. Long values go inline when short enough and
-// `keepInline`; otherwise onto long-value pages (recorded in `written`).
-StoredValue TableWriter::store(size_t column, const Variant& v, bool keepInline,
-                               std::vector<std::vector<uint8_t>>& written) {
+// The stored form of one converted value into `out` (its room reused). Long values go
+// inline when short enough and `keepInline`; otherwise onto long-value pages (recorded in
+// `written`).
+void TableWriter::store(size_t column, const Variant& v, bool keepInline, std::vector<std::vector<uint8_t>>& written,
+                        StoredValue& out) {
     const Column& c = def_->columns()[column];
-    StoredValue out;
+    out.present = false;
+    out.bytes.clear();
     if (c.type() == ColumnType::Bool) {
         out.present = v.asBool();
-        return out;
+        return;
     }
-    if (v.isNull()) return out;
+    if (v.isNull()) return;
     out.present = true;
-    std::vector<uint8_t> bytes = encodeValue(c, v, db_.version(), db_.codePageOf(c));
-    if (!c.isLongValue()) {
-        out.bytes = std::move(bytes);
-        return out;
-    }
+    encodeValue(c, v, db_.version(), db_.codePageOf(c), out.bytes);
+    if (!c.isLongValue()) return;
+    const std::vector<uint8_t> bytes = std::move(out.bytes);
     if (keepInline && bytes.size() <= LongValueWriter::maxInline) {
         out.bytes = LongValueWriter::inlineField(bytes);
     } else {
         out.bytes = longValues(c).store(bytes);
         written.push_back(out.bytes);
     }
-    return out;
 }
 
 // The row's bytes; when inline long values make it too large, they move out of the row.
-std::vector<uint8_t> TableWriter::layOut(std::vector<StoredValue>& values, const std::vector<Variant>& converted,
+std::vector<uint8_t> TableWriter::layOut(std::vector<StoredValue>& values, const std::vector<const Variant*>& converted,
                                          std::vector<std::vector<uint8_t>>& written) {
     try {
         return encodeRow(db_.format(), *def_, values);
@@ -108,8 +112,8 @@ std::vector<uint8_t> TableWriter::layOut(std::vector<StoredValue>& values, const
         for (size_t i = 0; i < values.size(); ++i) {
             const Column& c = def_->columns()[i];
             if (!c.isLongValue() || !values[i].present || values[i].bytes.size() <= LongValueWriter::headerSize) continue;
-            if (longValueHeader(values[i].bytes).kind != long_value_kind::Inline || converted[i].isEmpty()) continue;
-            values[i] = store(i, converted[i], false, written);
+            if (longValueHeader(values[i].bytes).kind != long_value_kind::Inline || !converted[i]) continue;
+            store(i, *converted[i], false, written, values[i]);
             moved = true;
         }
         if (!moved) throw;
@@ -120,11 +124,19 @@ std::vector<uint8_t> TableWriter::layOut(std::vector<StoredValue>& values, const
 RowLocation TableWriter::insert(const std::vector<Variant>& given) {
     const auto& columns = def_->columns();
     if (given.size() != columns.size()) throw std::invalid_argument("TableWriter::insert: one value per column");
-    std::vector<Variant> converted(columns.size());
+    // Each value as it is stored: the given one when it needs no conversion, else its
+    // converted copy. The lists are the writer's, so that a row costs no allocation for them.
+    std::vector<Variant>& converted = converted_;
+    std::vector<const Variant*>& value = value_;
+    std::vector<StoredValue>& values = stored_;
+    converted.assign(columns.size(), Variant());
+    value.assign(columns.size(), nullptr);
+    values.resize(columns.size());
     uint32_t counter = counters_.autoNumber();
     for (size_t i = 0; i < columns.size(); ++i) {
         const Column& c = columns[i];
         const bool absent = given[i].isEmpty() || given[i].isNull();
+        value[i] = &converted[i];
         if (c.isAutoNumber() && c.type() == ColumnType::Long) {
             if (absent) {
                 if (counter == uint32_t(INT32_MAX)) throw cannotChange(c, "has run out of AutoNumber values");
@@ -144,12 +156,14 @@ RowLocation TableWriter::insert(const std::vector<Variant>& given) {
             converted[i] = Variant::null();
             continue;
         }
-        converted[i] = convert(i, given[i]);
+        if (alreadyConverted(c, given[i], db_.version()))
+            value[i] = &given[i];
+        else
+            converted[i] = convert(i, given[i]);
     }
     std::vector<std::vector<uint8_t>> written;
-    std::vector<StoredValue> values(columns.size());
-    for (size_t i = 0; i < columns.size(); ++i) values[i] = store(i, converted[i], true, written);
-    std::vector<uint8_t> row = layOut(values, converted, written);
+    for (size_t i = 0; i < columns.size(); ++i) store(i, *value[i], true, written, values[i]);
+    std::vector<uint8_t> row = layOut(values, value, written);
 
     const uint32_t page = rows_.pageFor(uint32_t(row.size()));
     const RowLocation at{page, uint8_t(DataPage(db_.format(), db_.pager().read(page)).slotCount())};
@@ -182,8 +196,8 @@ void TableWriter::rewrite(RowLocation at, const std::vector<std::pair<size_t, Va
     const auto& columns = def_->columns();
     const Format& f = db_.format();
     const std::vector<uint8_t> oldRow = [&] {
-        auto bytes = db_.rowBytes(at, def_->page());
-        return std::vector<uint8_t>(bytes.begin(), bytes.end());
+        const PinnedRow stored = db_.rowBytes(at, def_->page());
+        return std::vector<uint8_t>(stored.bytes.begin(), stored.bytes.end());
     }();
     const RowReader before(f, *def_, oldRow);
     std::vector<Variant> converted(columns.size());
@@ -198,7 +212,7 @@ void TableWriter::rewrite(RowLocation at, const std::vector<std::pair<size_t, Va
     for (size_t i = 0; i < columns.size(); ++i) {
         const Column& c = columns[i];
         if (changed[i]) {
-            values[i] = store(i, converted[i], true, written);
+            store(i, converted[i], true, written, values[i]);
             if (c.isLongValue()) {
                 ColumnBytes old = before.column(c);
                 if (old.present) replaced.emplace_back(&c, old.bytes);
@@ -209,7 +223,10 @@ void TableWriter::rewrite(RowLocation at, const std::vector<std::pair<size_t, Va
         values[i].present = old.present;
         values[i].bytes.assign(old.bytes.begin(), old.bytes.end());
     }
-    std::vector<uint8_t> row = layOut(values, converted, written);
+    std::vector<const Variant*> changedValues(columns.size(), nullptr);
+    for (size_t i = 0; i < columns.size(); ++i)
+        if (changed[i]) changedValues[i] = &converted[i];
+    std::vector<uint8_t> row = layOut(values, changedValues, written);
     IndexPlan plan = indexes_->planUpdate(oldRow, row, indexPointer(at));
     place(at, row);
     indexes_->apply(plan);
@@ -261,8 +278,8 @@ void TableWriter::removeLongValues(std::span<const uint8_t> row) {
 }
 
 void TableWriter::relayOut(RowLocation at, uint16_t varColumnsWritten) {
-    const auto stored = db_.rowBytes(at, def_->page());
-    const std::vector<uint8_t> oldRow(stored.begin(), stored.end());
+    const PinnedRow stored = db_.rowBytes(at, def_->page());
+    const std::vector<uint8_t> oldRow(stored.bytes.begin(), stored.bytes.end());
     const RowReader before(db_.format(), varColumnsWritten, oldRow);
     std::vector<StoredValue> values(def_->columns().size());
     for (size_t i = 0; i < values.size(); ++i) {
@@ -275,8 +292,8 @@ void TableWriter::relayOut(RowLocation at, uint16_t varColumnsWritten) {
 
 void TableWriter::remove(RowLocation at) {
     const std::vector<uint8_t> oldRow = [&] {
-        auto bytes = db_.rowBytes(at, def_->page());
-        return std::vector<uint8_t>(bytes.begin(), bytes.end());
+        const PinnedRow stored = db_.rowBytes(at, def_->page());
+        return std::vector<uint8_t>(stored.bytes.begin(), stored.bytes.end());
     }();
     IndexPlan plan = indexes_->planDelete(oldRow, indexPointer(at));
     indexes_->apply(plan);

@@ -67,11 +67,15 @@ public:
     // have no variable section, which readers of a table that has one would misparse.
     // Keys stay the same, so no index changes.
     void relayOut(RowLocation row, uint16_t varColumnsWritten);
+    // Writes the indexes' changed pages and the definition's counters back to the pager;
+    // the transaction calls it before it commits (IndexMaintainer.h, TableDefWriter.h).
+    void flush();
 
 private:
     void rewrite(RowLocation row, const std::vector<std::pair<size_t, Variant>>& changes);
-    StoredValue store(size_t column, const Variant& value, bool keepInline, std::vector<std::vector<uint8_t>>& written);
-    std::vector<uint8_t> layOut(std::vector<StoredValue>& values, const std::vector<Variant>& converted,
+    void store(size_t column, const Variant& value, bool keepInline, std::vector<std::vector<uint8_t>>& written,
+               StoredValue& out);
+    std::vector<uint8_t> layOut(std::vector<StoredValue>& values, const std::vector<const Variant*>& converted,
                                 std::vector<std::vector<uint8_t>>& written);
     Variant convert(size_t column, const Variant& value) const;
     LongValueWriter& longValues(const Column& column);
@@ -89,6 +93,10 @@ private:
     std::map<uint32_t, std::unique_ptr<TableIndexPages>> indexPages_;
     std::unique_ptr<IndexMaintainer> indexes_;
     std::map<uint16_t, std::unique_ptr<LongValueWriter>> longValues_;
+    // Working lists of insert(), kept between rows.
+    std::vector<Variant> converted_;
+    std::vector<const Variant*> value_;
+    std::vector<StoredValue> stored_;
 };
 
 }  // namespace jet

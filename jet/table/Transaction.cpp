@@ -51,6 +51,12 @@ void Transaction::finish() {
 
 void Transaction::commit() {
     try {
+        for (const auto& [page, writer] : writers_) writer->flush();
+    } catch (...) {
+        rollback();
+        throw;
+    }
+    try {
         db_.pager().commit();
     } catch (...) {
         finish();

@@ -8,6 +8,9 @@
 //    anywhere inside leaves the file and the pager's pages as they were.
 //  - After commit or rollback the definitions of the tables written are parsed again, so
 //    readers see the counters the file now holds.
+//  - What the table writers keep back while rows change (decoded index pages, the
+//    definition's counters) reaches the pager in commit(), before the pager commits; a
+//    failure there rolls everything back.
 
 #include <map>
 #include <set>

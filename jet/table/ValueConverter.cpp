@@ -1,6 +1,7 @@
 #include "table/ValueConverter.h"
 
 #include <cctype>
+#include <charconv>
 #include <cfloat>
 #include <cmath>
 #include <cstdlib>
@@ -26,9 +27,12 @@ std::string quotedForError(const std::string& text) {
     return "'" + (text.size() > 40 ? text.substr(0, 40) + "..." : text) + "'";
 }
 
+// The white space of the "C" locale.
+bool isSpace(char c) { return c == ' ' || (c >= '\t' && c <= '\r'); }
+
 std::string_view trim(std::string_view s) {
-    while (!s.empty() && std::isspace(static_cast<unsigned char>(s.front()))) s.remove_prefix(1);
-    while (!s.empty() && std::isspace(static_cast<unsigned char>(s.back()))) s.remove_suffix(1);
+    while (!s.empty() && isSpace(s.front())) s.remove_prefix(1);
+    while (!s.empty() && isSpace(s.back())) s.remove_suffix(1);
     return s;
 }
 
@@ -37,22 +41,23 @@ struct ExactNumber {
     bool negative = false;
     u128 digits = 0;
     int exponent = 0;
-    std::string normalized;  // for strtod: "." as separator
+    std::string_view text;       // the number as typed, trimmed (empty when it was not typed)
+    size_t separatorAt = 0;      // where its decimal separator is (separatorLength 0: none)
+    size_t separatorLength = 0;
 };
 
 std::optional<ExactNumber> parseNumber(std::string_view s, const std::string& separator) {
     s = trim(s);
     ExactNumber n;
+    n.text = s;
     size_t i = 0;
     if (i < s.size() && (s[i] == '+' || s[i] == '-')) n.negative = s[i++] == '-';
-    if (n.negative) n.normalized += '-';
     bool anyDigit = false, inFraction = false;
     int dropped = 0;  // digits beyond what 128 bits hold, before the separator
     while (i < s.size()) {
         char ch = s[i];
-        if (std::isdigit(static_cast<unsigned char>(ch))) {
+        if (ch >= '0' && ch <= '9') {
             anyDigit = true;
-            n.normalized += ch;
             if (n.digits < (u128(1) << 120) / 10) {
                 n.digits = n.digits * 10 + u128(ch - '0');
                 if (inFraction) --n.exponent;
@@ -60,10 +65,11 @@ std::optional<ExactNumber> parseNumber(std::string_view s, const std::string& se
                 ++dropped;
             }
             ++i;
-        } else if (!inFraction && (s.substr(i, separator.size()) == separator || ch == '.')) {
+        } else if (!inFraction && (ch == '.' || s.substr(i, separator.size()) == separator)) {
             inFraction = true;
-            n.normalized += '.';
-            i += ch == '.' ? 1 : separator.size();
+            n.separatorAt = i;
+            n.separatorLength = ch == '.' ? 1 : separator.size();
+            i += n.separatorLength;
         } else {
             break;
         }
@@ -80,9 +86,6 @@ std::optional<ExactNumber> parseNumber(std::string_view s, const std::string& se
             if (e < 10000) e = e * 10 + (s[j] - '0');
             ++j;
         }
-        n.normalized += 'e';
-        n.normalized += negExp ? '-' : '+';
-        n.normalized += std::to_string(e);
         n.exponent += negExp ? -e : e;
         i = j;
     }
@@ -114,12 +117,29 @@ std::optional<u128> scaledMagnitude(const ExactNumber& n, int scale) {
     return v;
 }
 
-double toDouble(const ExactNumber& n) { return std::strtod(n.normalized.c_str(), nullptr); }
+double toDouble(const ExactNumber& n) {
+    // The text as the C library reads it: no '+' sign, "." as the separator.
+    std::string_view t = n.text;
+    const size_t sign = !t.empty() && t[0] == '+' ? 1 : 0;
+    std::string rewritten;
+    if (n.separatorLength > 0 && !(n.separatorLength == 1 && t[n.separatorAt] == '.')) {
+        rewritten.assign(t.substr(0, n.separatorAt));
+        rewritten += '.';
+        rewritten.append(t.substr(n.separatorAt + n.separatorLength));
+        t = rewritten;
+    }
+    t.remove_prefix(sign);
+    double x = 0;
+    if (std::from_chars(t.data(), t.data() + t.size(), x).ec == std::errc()) return x;
+    return std::strtod(std::string(t).c_str(), nullptr);  // beyond a double's range: infinity or zero
+}
 
 bool equalsWord(std::string_view s, std::string_view word) { return equalsIgnoreCase(s, word); }
 
 std::optional<bool> boolFromText(std::string_view s, const std::string& separator) {
     s = trim(s);
+    if (!s.empty() && ((s[0] >= '0' && s[0] <= '9') || s[0] == '-' || s[0] == '+'))
+        if (auto n = parseNumber(s, separator)) return n->digits != 0;  // no word starts so
     if (equalsWord(s, "True") || equalsWord(s, "Yes") || equalsWord(s, "On")) return true;
     if (equalsWord(s, "False") || equalsWord(s, "No") || equalsWord(s, "Off")) return false;
     if (auto n = parseNumber(s, separator)) return n->digits != 0;
@@ -226,10 +246,9 @@ double numericValue(const Variant& v) {
     return d.negative ? -m : m;
 }
 
-// Any value as an exact number; nullopt for text that is not a number.
-std::optional<ExactNumber> exactOf(const Variant& v, const Locale& locale) {
+// A value that is not text as an exact number; nullopt for one that is no finite number.
+std::optional<ExactNumber> exactOf(const Variant& v) {
     switch (v.type()) {
-    case Variant::Type::String: return parseNumber(v.asString(), locale.decimalSeparator);
     case Variant::Type::Currency: {
         ExactNumber n;
         int64_t c = v.asCurrency();
@@ -249,12 +268,14 @@ std::optional<ExactNumber> exactOf(const Variant& v, const Locale& locale) {
     case Variant::Type::Single:
     case Variant::Type::Double:
     case Variant::Type::Date: {
-        double x = numericValue(v);
+        const double x = numericValue(v);
         if (!std::isfinite(x)) return std::nullopt;
         char buf[64];
         // Single keeps its 7 significant digits, so 0.1f becomes 0.1 and not 0.100000001.
         std::snprintf(buf, sizeof buf, v.type() == Variant::Type::Single ? "%.7g" : "%.17g", x);
-        return parseNumber(buf, ".");
+        auto n = parseNumber(buf, ".");
+        if (n) n->text = {};  // the digits are all that is needed; the buffer goes now
+        return n;
     }
     default: {
         double x = numericValue(v);
@@ -266,12 +287,21 @@ std::optional<ExactNumber> exactOf(const Variant& v, const Locale& locale) {
     }
 }
 
-Variant convertWhole(const Column& c, const Variant& v, const Locale& locale, int64_t lo, int64_t hi) {
-    auto n = exactOf(v, locale);
-    if (!n) refuse(c, quotedForError(v.toString(locale)) + " is not a number");
-    auto mag = scaledMagnitude(*n, 0);
+// The conversions below take the value as a number (nullopt when it is none) and, for the
+// refusal, a function giving the value as the user wrote it.
+
+template <typename Shown>
+const ExactNumber& numberOrRefuse(const Column& c, const std::optional<ExactNumber>& n, const Shown& shown) {
+    if (!n) refuse(c, quotedForError(shown()) + " is not a number");
+    return *n;
+}
+
+template <typename Shown>
+Variant wholeFrom(const Column& c, const std::optional<ExactNumber>& number, const Shown& shown, int64_t lo, int64_t hi) {
+    const ExactNumber& n = numberOrRefuse(c, number, shown);
+    auto mag = scaledMagnitude(n, 0);
     if (!mag || *mag > u128(hi) + 1) refuse(c, "the number is out of the column's range");
-    int64_t value = n->negative ? -int64_t(*mag) : int64_t(*mag);
+    int64_t value = n.negative ? -int64_t(*mag) : int64_t(*mag);
     if (value < lo || value > hi) refuse(c, "the number " + std::to_string(value) + " is out of the column's range");
     switch (c.type()) {
     case ColumnType::Byte: return Variant::byte(uint8_t(value));
@@ -280,33 +310,38 @@ Variant convertWhole(const Column& c, const Variant& v, const Locale& locale, in
     }
 }
 
-Variant convertDate(const Column& c, const Variant& v, const Locale& locale) {
-    double serial;
-    if (v.type() == Variant::Type::String) {
-        auto d = dateFromText(v.asString(), locale);
-        if (!d) refuse(c, quotedForError(v.asString()) + " is not a date");
-        serial = *d;
-    } else {
-        serial = numericValue(v);
-    }
+template <typename Shown>
+Variant moneyFrom(const Column& c, const std::optional<ExactNumber>& number, const Shown& shown) {
+    const ExactNumber& n = numberOrRefuse(c, number, shown);
+    auto mag = scaledMagnitude(n, 4);
+    if (!mag || *mag > u128(INT64_MAX)) refuse(c, "the amount is out of the Currency range");
+    return Variant::currency(n.negative ? -int64_t(*mag) : int64_t(*mag));
+}
+
+template <typename Shown>
+Variant decimalFrom(const Column& c, const std::optional<ExactNumber>& number, const Shown& shown) {
+    const ExactNumber& n = numberOrRefuse(c, number, shown);
+    auto mag = scaledMagnitude(n, c.scale);
+    u128 limit = 1;
+    for (int k = 0; k < c.precision; ++k) limit *= 10;
+    if (!mag || *mag >= limit) refuse(c, "the number has more digits than the column's precision");
+    return Variant::decimal(Decimal{n.negative && *mag != 0, *mag, c.scale});
+}
+
+Variant floatingFrom(const Column& c, double x) {
+    if (!std::isfinite(x) || (c.type() == ColumnType::Float && std::fabs(x) > FLT_MAX))
+        refuse(c, "the number is out of the column's range");
+    if (c.type() == ColumnType::Float) return Variant::single(float(x));
+    return Variant::doubleValue(x);
+}
+
+Variant dateFrom(const Column& c, double serial) {
     // Jet's dates run from 100-01-01 to 9999-12-31.
     if (!std::isfinite(serial) || serial < -657434.0 || serial >= 2958466.0) refuse(c, "the date is out of range");
     return Variant::date(serial);
 }
 
-Variant convertDecimal(const Column& c, const Variant& v, const Locale& locale) {
-    auto n = exactOf(v, locale);
-    if (!n) refuse(c, quotedForError(v.toString(locale)) + " is not a number");
-    auto mag = scaledMagnitude(*n, c.scale);
-    u128 limit = 1;
-    for (int k = 0; k < c.precision; ++k) limit *= 10;
-    if (!mag || *mag >= limit) refuse(c, "the number has more digits than the column's precision");
-    return Variant::decimal(Decimal{n->negative && *mag != 0, *mag, c.scale});
-}
-
-Variant convertText(const Column& c, const Variant& v, Version version, const CodePage& codePage, const Locale& locale) {
-    if (v.type() == Variant::Type::ByteArray) refuse(c, "binary data is not text");
-    std::string text = v.toString(locale);
+Variant textFrom(const Column& c, std::string_view text, Version version, const CodePage& codePage) {
     if (version == Version::Jet3) {
         auto bytes = codePage.fromUtf8(text);
         if (!bytes) refuse(c, "the text has characters that code page " + std::to_string(codePage.number()) + " cannot hold");
@@ -314,12 +349,61 @@ Variant convertText(const Column& c, const Variant& v, Version version, const Co
             refuse(c, "the text has " + std::to_string(bytes->size()) + " characters, the column holds at most " +
                           std::to_string(c.length));
     } else if (c.type() == ColumnType::Text) {
-        size_t units = utf8ToUtf16(text).size();
+        size_t units = utf16Length(text);
         if (units * 2 > c.length)
             refuse(c, "the text has " + std::to_string(units) + " characters, the column holds at most " +
                           std::to_string(c.length / 2));
     }
-    return Variant::string(std::move(text));
+    return Variant::string(std::string(text));
+}
+
+Variant guidFrom(const Column& c, std::string_view text) {
+    uint8_t bytes[16];
+    if (!guidBytes(text, bytes)) refuse(c, quotedForError(std::string(text)) + " is not a Replication ID");
+    return Variant::string(guidText(bytes));
+}
+
+// A value given as anything but text.
+Variant convertValue(const Column& c, const Variant& v, Version version, const CodePage& codePage,
+                     const Locale& locale) {
+    const auto shown = [&] { return v.toString(locale); };
+    if (c.type() == ColumnType::Bool) {
+        if (v.isNull() || v.isEmpty()) return Variant::boolean(false);
+        if (v.type() == Variant::Type::ByteArray) refuse(c, "binary data is not Yes or No");
+        if (v.type() == Variant::Type::Decimal) return Variant::boolean(v.asDecimal().magnitude != 0);
+        if (v.type() == Variant::Type::Currency) return Variant::boolean(v.asCurrency() != 0);
+        return Variant::boolean(numericValue(v) != 0);
+    }
+    if (v.isNull() || v.isEmpty()) return Variant::null();
+    const bool binaryIn = v.type() == Variant::Type::ByteArray;
+    switch (c.type()) {
+    case ColumnType::Text:
+    case ColumnType::Memo:
+        if (binaryIn) refuse(c, "binary data is not text");
+        return textFrom(c, v.toString(locale), version, codePage);
+    case ColumnType::Binary:
+    case ColumnType::Ole:
+        if (!binaryIn) refuse(c, "only binary data can be stored in it");
+        if (c.type() == ColumnType::Binary && v.asBytes().size() > c.length)
+            refuse(c, "the data has " + std::to_string(v.asBytes().size()) + " bytes, the column holds at most " +
+                          std::to_string(c.length));
+        return v;
+    case ColumnType::Guid: refuse(c, quotedForError(shown()) + " is not a Replication ID");
+    default: break;
+    }
+    if (binaryIn) refuse(c, "binary data is not a number");
+    switch (c.type()) {
+    case ColumnType::Byte: return wholeFrom(c, exactOf(v), shown, 0, 255);
+    case ColumnType::Int: return wholeFrom(c, exactOf(v), shown, INT16_MIN, INT16_MAX);
+    case ColumnType::Long: return wholeFrom(c, exactOf(v), shown, INT32_MIN, INT32_MAX);
+    case ColumnType::Money: return moneyFrom(c, exactOf(v), shown);
+    case ColumnType::Float:
+    case ColumnType::Double: return floatingFrom(c, numericValue(v));
+    case ColumnType::DateTime: return dateFrom(c, numericValue(v));
+    case ColumnType::Numeric: return decimalFrom(c, exactOf(v), shown);
+    default: break;
+    }
+    refuse(c, "the column's type cannot be written");
 }
 
 }  // namespace
@@ -347,75 +431,72 @@ bool guidBytes(std::string_view s, uint8_t out[16]) {
     return true;
 }
 
-Variant convertForColumn(const Column& c, const Variant& v, Version version, const CodePage& codePage,
-                         const Locale& locale) {
+Variant convertTextForColumn(const Column& c, std::string_view text, Version version, const CodePage& codePage,
+                             const Locale& locale) {
+    const auto shown = [&] { return std::string(text); };
     const bool isText = c.type() == ColumnType::Text || c.type() == ColumnType::Memo;
-    bool blank = v.isNull() || v.isEmpty();
-    if (!isText && v.type() == Variant::Type::String && trim(v.asString()).empty()) blank = true;
-    if (c.type() == ColumnType::Bool) {
-        if (blank) return Variant::boolean(false);
-        if (v.type() == Variant::Type::String) {
-            auto b = boolFromText(v.asString(), locale.decimalSeparator);
-            if (!b) refuse(c, quotedForError(v.asString()) + " is not Yes or No");
-            return Variant::boolean(*b);
-        }
-        if (v.type() == Variant::Type::ByteArray) refuse(c, "binary data is not Yes or No");
-        if (v.type() == Variant::Type::Decimal) return Variant::boolean(v.asDecimal().magnitude != 0);
-        if (v.type() == Variant::Type::Currency) return Variant::boolean(v.asCurrency() != 0);
-        return Variant::boolean(numericValue(v) != 0);
-    }
-    if (blank) return Variant::null();
-    const bool binaryIn = v.type() == Variant::Type::ByteArray;
+    if (!isText && trim(text).empty()) return c.type() == ColumnType::Bool ? Variant::boolean(false) : Variant::null();
+    const std::string& separator = locale.decimalSeparator;
     switch (c.type()) {
+    case ColumnType::Bool: {
+        auto b = boolFromText(text, separator);
+        if (!b) refuse(c, quotedForError(shown()) + " is not Yes or No");
+        return Variant::boolean(*b);
+    }
     case ColumnType::Text:
-    case ColumnType::Memo: return convertText(c, v, version, codePage, locale);
+    case ColumnType::Memo: return textFrom(c, text, version, codePage);
     case ColumnType::Binary:
-    case ColumnType::Ole:
-        if (!binaryIn) refuse(c, "only binary data can be stored in it");
-        if (c.type() == ColumnType::Binary && v.asBytes().size() > c.length)
-            refuse(c, "the data has " + std::to_string(v.asBytes().size()) + " bytes, the column holds at most " +
-                          std::to_string(c.length));
-        return v;
-    case ColumnType::Guid: {
-        uint8_t bytes[16];
-        if (v.type() != Variant::Type::String || !guidBytes(v.asString(), bytes))
-            refuse(c, quotedForError(v.toString(locale)) + " is not a Replication ID");
-        return Variant::string(guidText(bytes));
-    }
-    default: break;
-    }
-    if (binaryIn) refuse(c, "binary data is not a number");
-    switch (c.type()) {
-    case ColumnType::Byte: return convertWhole(c, v, locale, 0, 255);
-    case ColumnType::Int: return convertWhole(c, v, locale, INT16_MIN, INT16_MAX);
-    case ColumnType::Long: return convertWhole(c, v, locale, INT32_MIN, INT32_MAX);
-    case ColumnType::Money: {
-        auto n = exactOf(v, locale);
-        if (!n) refuse(c, quotedForError(v.toString(locale)) + " is not a number");
-        auto mag = scaledMagnitude(*n, 4);
-        if (!mag || *mag > u128(INT64_MAX)) refuse(c, "the amount is out of the Currency range");
-        return Variant::currency(n->negative ? -int64_t(*mag) : int64_t(*mag));
-    }
+    case ColumnType::Ole: refuse(c, "only binary data can be stored in it");
+    case ColumnType::Guid: return guidFrom(c, text);
+    case ColumnType::Byte: return wholeFrom(c, parseNumber(text, separator), shown, 0, 255);
+    case ColumnType::Int: return wholeFrom(c, parseNumber(text, separator), shown, INT16_MIN, INT16_MAX);
+    case ColumnType::Long: return wholeFrom(c, parseNumber(text, separator), shown, INT32_MIN, INT32_MAX);
+    case ColumnType::Money: return moneyFrom(c, parseNumber(text, separator), shown);
     case ColumnType::Float:
     case ColumnType::Double: {
-        double x;
-        if (v.type() == Variant::Type::String) {
-            auto n = parseNumber(v.asString(), locale.decimalSeparator);
-            if (!n) refuse(c, quotedForError(v.asString()) + " is not a number");
-            x = toDouble(*n);
-        } else {
-            x = numericValue(v);
-        }
-        if (!std::isfinite(x) || (c.type() == ColumnType::Float && std::fabs(x) > FLT_MAX))
-            refuse(c, "the number is out of the column's range");
-        if (c.type() == ColumnType::Float) return Variant::single(float(x));
-        return Variant::doubleValue(x);
+        auto n = parseNumber(text, separator);
+        if (!n) refuse(c, quotedForError(shown()) + " is not a number");
+        return floatingFrom(c, toDouble(*n));
     }
-    case ColumnType::DateTime: return convertDate(c, v, locale);
-    case ColumnType::Numeric: return convertDecimal(c, v, locale);
+    case ColumnType::DateTime: {
+        auto d = dateFromText(text, locale);
+        if (!d) refuse(c, quotedForError(shown()) + " is not a date");
+        return dateFrom(c, *d);
+    }
+    case ColumnType::Numeric: return decimalFrom(c, parseNumber(text, separator), shown);
     default: break;
     }
     refuse(c, "the column's type cannot be written");
+}
+
+bool alreadyConverted(const Column& c, const Variant& v, Version version) {
+    using T = Variant::Type;
+    switch (c.type()) {
+    case ColumnType::Bool: return v.type() == T::Boolean;
+    case ColumnType::Byte: return v.type() == T::Byte;
+    case ColumnType::Int: return v.type() == T::Integer;
+    case ColumnType::Long: return v.type() == T::Long;
+    case ColumnType::Money: return v.type() == T::Currency;
+    case ColumnType::Double: return v.type() == T::Double && std::isfinite(v.asDouble());
+    case ColumnType::DateTime: return v.type() == T::Date && v.asDate() >= -657434.0 && v.asDate() < 2958466.0;
+    case ColumnType::Text:
+    case ColumnType::Memo:
+        // Jet 4 text needs no code page; its length in UTF-16 units is checked here.
+        return v.type() == T::String && version == Version::Jet4 &&
+               (c.type() == ColumnType::Memo || utf16Length(v.asString()) * 2 <= c.length);
+    default: return false;
+    }
+}
+
+Variant convertForColumn(const Column& c, const Variant& v, Version version, const CodePage& codePage) {
+    if (alreadyConverted(c, v, version)) return v;
+    return convertForColumn(c, v, version, codePage, Locale::current());
+}
+
+Variant convertForColumn(const Column& c, const Variant& v, Version version, const CodePage& codePage,
+                         const Locale& locale) {
+    if (v.type() == Variant::Type::String) return convertTextForColumn(c, v.asString(), version, codePage, locale);
+    return convertValue(c, v, version, codePage, locale);
 }
 
 }  // namespace jet

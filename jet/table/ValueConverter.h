@@ -17,6 +17,7 @@
 //    stores No instead.
 
 #include <string>
+#include <string_view>
 
 #include "format/CodePage.h"
 #include "format/Format.h"
@@ -30,7 +31,15 @@ namespace jet {
 // Integer, Long, Currency, Single, Double, Date, String (text, memo and the braced
 // upper-case Replication ID), ByteArray (binary and OLE), Decimal; or Null.
 Variant convertForColumn(const Column& column, const Variant& value, Version version, const CodePage& codePage,
-                         const Locale& locale = Locale::current());
+                         const Locale& locale);
+// The same in the current locale.
+Variant convertForColumn(const Column& column, const Variant& value, Version version, const CodePage& codePage);
+// What text typed by a user gives in the column: the same as a String value, without one.
+Variant convertTextForColumn(const Column& column, std::string_view text, Version version, const CodePage& codePage,
+                             const Locale& locale);
+// True when the value is already what convertForColumn would give for it, which callers
+// may then use as it is.
+bool alreadyConverted(const Column& column, const Variant& value, Version version);
 
 // "{8E39276A-...}" into its 16 stored bytes; false when the text is not a GUID.
 bool guidBytes(std::string_view text, uint8_t out[16]);

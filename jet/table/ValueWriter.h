@@ -13,7 +13,9 @@
 
 namespace jet {
 
-// The bytes of a non-null value; for a fixed column exactly its fixed size.
-std::vector<uint8_t> encodeValue(const Column& column, const Variant& value, Version version, const CodePage& codePage);
+// The bytes of a non-null value, into `out` (replacing what it held, keeping its room);
+// for a fixed column exactly its fixed size.
+void encodeValue(const Column& column, const Variant& value, Version version, const CodePage& codePage,
+                 std::vector<uint8_t>& out);
 
 }  // namespace jet

@@ -67,7 +67,7 @@ TEST_F(DatabaseLocking, AWriterKeepsALockFileBesideTheDatabaseWithItsEntry) {
     auto wouldBeWriter = open();
     EXPECT_TRUE(wouldBeWriter->readOnly()) << "a writer that finds a reader reads along";
     EXPECT_EQ("is open in another program", wouldBeWriter->readOnlyReason());
-    EXPECT_EQ(PageWorkload::page(0, 2), std::string(reinterpret_cast<const char*>(wouldBeWriter->read(2)), PageWorkload::pageSize));
+    EXPECT_EQ(PageWorkload::page(0, 2), std::string(reinterpret_cast<const char*>(wouldBeWriter->read(2).data()), PageWorkload::pageSize));
 }
 
 TEST_F(DatabaseLocking, ALeftoverLockFileDoesNotBlockButOneHeldByAnotherProgramDoes) {
@@ -145,7 +145,7 @@ TEST_F(DatabaseLocking, ReadOnlyFilesAndFoldersOpenForReadingAndAHotJournalThere
             }
             if (c.hotJournal) return "opened a half-written file";
             if (pager->readOnlyReason() != "or its folder is read-only") return "reason: " + pager->readOnlyReason();
-            if (std::memcmp(pager->read(3), PageWorkload::page(0, 3).data(), PageWorkload::pageSize) != 0)
+            if (std::memcmp(pager->read(3).data(), PageWorkload::page(0, 3).data(), PageWorkload::pageSize) != 0)
                 return "page 3 reads wrong";
             try {
                 pager->begin();

@@ -108,6 +108,15 @@ TEST(Text, Jet4TextInBothFormsAndUtfEdges) {
     EXPECT_THROW(jet::decodeJet4Text(hex("FF FE 00 16")), jet::CorruptError);
     for (const std::u16string& s : {std::u16string(u"abc"), std::u16string(u"ab\u0416"), std::u16string(u"\u00E9t\u00E9s")})
         EXPECT_EQ(s, jet::decodeJet4Text(jet::encodeJet4Text(s, true)));
+    // Straight from UTF-8 the same bytes come out, at the edges of the compressed form too.
+    for (const std::string& s : {std::string("ab"), std::string("abc"), std::string(1024, 'x'), std::string(1025, 'x'),
+                                 std::string("\xC3\xA9t\xC3\xA9"), std::string("a\xD0\x96"), std::string("\xF0\x9F\x98\x80!"),
+                                 std::string("bad \xC0\x80 \xFF"), std::string("nul\0inside", 10)})
+        for (const bool compress : {true, false}) {
+            std::vector<uint8_t> direct{1, 2, 3};
+            jet::encodeJet4Text(s, compress, direct);
+            EXPECT_EQ(jet::encodeJet4Text(jet::utf8ToUtf16(s), compress), direct) << s.size();
+        }
     EXPECT_EQ("\uFFFDa", jet::utf16ToUtf8(std::u16string{char16_t(0xD800), u'a'}));
     EXPECT_EQ(u"\uFFFD", jet::utf8ToUtf16("\xC0\x80")) << "an overlong NUL is not a character";
     EXPECT_TRUE(jet::equalsIgnoreCase("\u00C9t\u00E9", "\u00E9T\u00C9"));

@@ -1,6 +1,7 @@
-// A failure at any single write or sync of a commit, or of the rollback at open, must leave
-// the file in the state before the transaction or after it, never a mix; and what commit()
-// told its caller decides which.
+// A failure at any single write or sync of a transaction (the journal records written while
+// it runs, then its commit), or of the rollback at open, must leave the file in the state
+// before the transaction or after it, never a mix; and what commit() told its caller
+// decides which.
 #include <gtest/gtest.h>
 
 #include <filesystem>
@@ -24,23 +25,32 @@ struct Prepared {
     TempDir dir{TempDir::Place::InMemory};
     std::string path = dir.file("pages.db");
     std::string bytes;
-    uint64_t commitOps = 0;  // operations of transaction 3's commit when nothing fails
+    uint64_t commitOps = 0;       // operations of transaction 3's commit when nothing fails
+    uint64_t transactionOps = 0;  // the same from begin(), the journal records included
 
     Prepared() {
         workload.create(jet::Env::posix(), path, 2);
         bytes = readAll(path);
         FaultInjectionEnv env;
-        auto pager = begin3(env);
+        auto pager = open(env);
+        const uint64_t start = env.opCount();
+        pager->begin();
+        workload.change(*pager, 3);
         const uint64_t first = env.opCount();
         pager->commit();
         commitOps = env.opCount() - first;
+        transactionOps = env.opCount() - start;
     }
-    // Transaction 3 begun on a fresh copy of the file after 2, its commit still to come.
-    std::unique_ptr<jet::Pager> begin3(jet::Env& env) {
+    // A fresh copy of the file after transaction 2.
+    std::unique_ptr<jet::Pager> open(jet::Env& env) {
         writeAll(path, bytes);
         std::filesystem::remove(jet::Journal::pathFor(path));  // what an earlier run's crash left
         std::filesystem::remove(dir.file("pages.ldb"));
-        auto pager = PageWorkload::open(env, path);
+        return PageWorkload::open(env, path);
+    }
+    // Transaction 3 begun on a fresh copy, its commit still to come.
+    std::unique_ptr<jet::Pager> begin3(jet::Env& env) {
+        auto pager = open(env);
         pager->begin();
         workload.change(*pager, 3);
         return pager;
@@ -55,20 +65,30 @@ Prepared& prepared() {
 
 class PagerFaultSweep : public ::testing::TestWithParam<std::tuple<Fault, CrashMode>> {};
 
-TEST_P(PagerFaultSweep, AFaultAtAnyOperationOfACommitLeavesBeforeOrAfterNeverAMix) {
+TEST_P(PagerFaultSweep, AFaultAtAnyOperationOfATransactionLeavesBeforeOrAfterNeverAMix) {
     const auto [fault, mode] = GetParam();
     Prepared& p = prepared();
-    ASSERT_GT(p.commitOps, 40u) << "the transaction should be long enough to be interesting";
-    for (uint64_t i = 1; i <= p.commitOps; ++i) {
-        SCOPED_TRACE("fault at operation " + std::to_string(i) + " of " + std::to_string(p.commitOps));
+    ASSERT_GT(p.commitOps, 12u) << "the commit should be long enough to be interesting";
+    ASSERT_GT(p.transactionOps, p.commitOps + 1) << "some journal records are written before the commit";
+    for (uint64_t i = 1; i <= p.transactionOps; ++i) {
+        SCOPED_TRACE("fault at operation " + std::to_string(i) + " of " + std::to_string(p.transactionOps));
         FaultInjectionEnv env;
         bool committed = false;
         {
-            auto pager = p.begin3(env);
+            auto pager = p.open(env);
             env.injectFault(env.opCount() + i, fault);
-            EXPECT_THROW(pager->commit(), jet::IoError) << "every operation of the commit matters";
-            EXPECT_FALSE(pager->inTransaction());
-            EXPECT_EQ(2u, p.workload.check(*pager)) << "a failed commit shows the state before";
+            pager->begin();
+            EXPECT_THROW(
+                {
+                    p.workload.change(*pager, 3);
+                    pager->commit();
+                },
+                jet::IoError)
+                << "every operation of the transaction matters";
+            // A failure while changing pages leaves the transaction open for its owner to
+            // roll back; a failed commit ends it.
+            if (pager->inTransaction()) pager->rollback();
+            EXPECT_EQ(2u, p.workload.check(*pager)) << "a failed transaction shows the state before";
             if (fault != Fault::PowerLoss) {
                 // The disk still works: the file is restored at once, the pager goes on, and
                 // the same transaction can be committed again.
@@ -80,7 +100,7 @@ TEST_P(PagerFaultSweep, AFaultAtAnyOperationOfACommitLeavesBeforeOrAfterNeverAMi
                 committed = true;
             } else {
                 // Once the file was touched the pager refuses to begin; before that, the
-                // next commit fails on the dead disk. Either way nothing changes.
+                // next transaction fails on the dead disk. Either way nothing changes.
                 EXPECT_THROW(
                     {
                         pager->begin();
@@ -88,6 +108,7 @@ TEST_P(PagerFaultSweep, AFaultAtAnyOperationOfACommitLeavesBeforeOrAfterNeverAMi
                         pager->commit();
                     },
                     jet::RuntimeError);
+                if (pager->inTransaction()) pager->rollback();
                 EXPECT_EQ(2u, p.workload.check(*pager));
             }
         }

@@ -21,7 +21,7 @@ using jet::OpenMode;
 using jet::Pager;
 constexpr uint32_t P = PageWorkload::pageSize;
 
-std::string pageOf(Pager& pager, uint32_t n) { return {reinterpret_cast<const char*>(pager.read(n)), P}; }
+std::string pageOf(Pager& pager, uint32_t n) { return {reinterpret_cast<const char*>(pager.read(n).data()), P}; }
 
 class PagerTransaction : public ::testing::Test {
 protected:
@@ -37,10 +37,10 @@ protected:
 
 TEST_F(PagerTransaction, ChangesShowAtOnceAndReachTheFileOnlyAtCommit) {
     auto pager = PageWorkload::open(Env::posix(), path);
-    const uint8_t* view = pager->read(2);
+    const jet::PageRef view = pager->read(2);
     pager->begin();
     uint8_t* page = pager->writable(2);
-    EXPECT_EQ(view, page) << "writable() hands out the buffer read() returned";
+    EXPECT_EQ(view.data(), page) << "writable() hands out the buffer read() returned";
     std::memset(page, 0x5A, 100);
     EXPECT_EQ(0x5A, pager->read(2)[99]);
     EXPECT_EQ(original, readAll(path)) << "nothing reaches the file before commit";
@@ -50,33 +50,35 @@ TEST_F(PagerTransaction, ChangesShowAtOnceAndReachTheFileOnlyAtCommit) {
     std::string expected = original;
     std::memset(expected.data() + 2 * P, 0x5A, 100);
     EXPECT_EQ(expected, readAll(path));
-    EXPECT_EQ(view, pager->read(2)) << "a page stays at one address";
+    EXPECT_EQ(view.data(), pager->read(2).data()) << "a pinned page stays at one address";
     EXPECT_THROW(pager->read(6), jet::CorruptError);
 }
 
 TEST_F(PagerTransaction, RollbackPutsBackTheOriginalsInTheSameBuffersAndForgetsAppendedPages) {
     auto pager = PageWorkload::open(Env::posix(), path);
-    const uint8_t* one = pager->read(1);
+    const jet::PageRef one = pager->read(1);
     pager->begin();
     std::memset(pager->writable(1), 0x11, P);
     std::memset(pager->writable(1), 0x22, 10);  // a second change must not replace the original kept
     std::memset(pager->writable(4), 0x44, P);
     const uint32_t added = pager->append();
-    uint8_t* addedBuffer = pager->writable(added);
-    std::memset(addedBuffer, 0xAA, P);
+    std::memset(pager->writable(added), 0xAA, P);
+    const jet::PageRef addedView = pager->read(added);
     EXPECT_EQ(7u, pager->pageCount());
     pager->rollback();
-    EXPECT_EQ(one, pager->read(1));
+    EXPECT_EQ(one.data(), pager->read(1).data());
+    EXPECT_EQ(PageWorkload::page(0, 1), std::string(reinterpret_cast<const char*>(one.data()), P));
     EXPECT_EQ(PageWorkload::page(0, 1), pageOf(*pager, 1));
     EXPECT_EQ(PageWorkload::page(0, 4), pageOf(*pager, 4));
     EXPECT_EQ(6u, pager->pageCount());
     EXPECT_THROW(pager->read(added), jet::CorruptError) << "a rolled-back append is not readable";
     EXPECT_EQ(original, readAll(path));
 
-    // The next append gets the same buffer (views may still point into it), zeroed.
+    // The next append gets the same buffer (a view still pins it), zeroed.
+    EXPECT_EQ(std::string(P, '\0'), std::string(reinterpret_cast<const char*>(addedView.data()), P));
     pager->begin();
     EXPECT_EQ(added, pager->append());
-    EXPECT_EQ(addedBuffer, pager->read(added));
+    EXPECT_EQ(addedView.data(), pager->read(added).data());
     EXPECT_EQ(std::string(P, '\0'), pageOf(*pager, added));
     pager->commit();
     EXPECT_EQ(original + std::string(P, '\0'), readAll(path));
@@ -122,6 +124,36 @@ TEST_F(PagerTransaction, MisuseAndReadOnlyPagersAreRefused) {
     EXPECT_EQ(0u, readOnlyDisk.opCount());
     writeAll(path, std::string(4096, 'x'));
     EXPECT_THROW(PageWorkload::open(Env::posix(), path), jet::RuntimeError) << "the probe refuses a stranger";
+}
+
+TEST_F(PagerTransaction, TheCacheHoldsItsCapacityButEveryPinnedAndEveryChangedPage) {
+    PageWorkload(64).create(Env::posix(), path);
+    auto pager = PageWorkload::open(Env::posix(), path);
+    pager->setCacheBytes(4 * P);
+    const jet::PageRef pinned = pager->read(5);
+    for (uint32_t n = 0; n < 64; ++n) {
+        EXPECT_EQ(PageWorkload::page(0, n), pageOf(*pager, n));
+        EXPECT_LE(pager->residentPages(), 5u) << "four pages and the pinned one";
+    }
+    EXPECT_EQ(pinned.data(), pager->read(5).data()) << "a pinned page never leaves";
+    EXPECT_EQ(PageWorkload::page(0, 5), std::string(reinterpret_cast<const char*>(pinned.data()), P));
+
+    // Changed pages stay until the commit; their originals go to the journal as they are
+    // taken, so the journal holds most of them before the commit begins.
+    pager->begin();
+    for (uint32_t n = 10; n < 50; ++n) std::memset(pager->writable(n), int(n), 16);
+    EXPECT_GE(pager->residentPages(), 40u);
+    for (uint32_t n = 10; n < 50; ++n) EXPECT_EQ(char(n), pageOf(*pager, n)[15]) << n;
+    EXPECT_GE(std::filesystem::file_size(journal), jet::Journal::headerSize + 32 * jet::Journal::recordSize(P));
+    EXPECT_EQ(PageWorkload::page(0, 10), readAll(path).substr(10 * P, P)) << "the file is untouched";
+    pager->commit();
+    EXPECT_LE(pager->residentPages(), 5u);
+    const std::string file = readAll(path);
+    for (uint32_t n = 0; n < 64; ++n) {
+        std::string expected = PageWorkload::page(0, n);
+        if (n >= 10 && n < 50) std::memset(expected.data(), int(n), 16);
+        EXPECT_EQ(expected, file.substr(size_t(n) * P, P)) << n;
+    }
 }
 
 TEST_F(PagerTransaction, CreateReplacesAnUnusedFileAndDropsItsOldJournal) {

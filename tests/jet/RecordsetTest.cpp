@@ -31,12 +31,18 @@ TEST(Connection, ProvidersStatesPasswordsAndTheirErrors) {
     EXPECT_EQ(std::tie("Microsoft.Jet.OLEDB.4.0", "C:\\a;b.mdb", "Admin", "it's"),
               std::tie(s.provider, s.dataSource, s.userId, s.password));
     EXPECT_EQ("db", jet::ConnectionSettings::parse("Password=user;Jet OLEDB:Database Password=db").password);
+    EXPECT_EQ(2048u, jet::ConnectionSettings::parse("Jet OLEDB:Max Buffer Size=2048").maxBufferKb);
+    for (const char* bad : {"lots", "63", "-512", "512 KB", ""})
+        EXPECT_EQ(jet::err::Unspecified,
+                  errorNumberOf([&] { jet::ConnectionSettings::parse(std::string("Jet OLEDB:Max Buffer Size=") + bad); }))
+            << bad;
 
     Connection cn;
     EXPECT_EQ(jet::err::Unspecified, errorNumberOf([&] { cn.Open(jet351("testV2000.mdb")); })) << "the old provider: Jet 3 only";
     EXPECT_EQ(0, cn.State());
-    cn.Open(jet4("testV2000.mdb"));
+    cn.Open(jet4("testV2000.mdb") + ";Jet OLEDB:Max Buffer Size=64");
     EXPECT_EQ(1, cn.State());
+    EXPECT_EQ(16u, cn.database()->pager().cachePages()) << "64 KB of 4 KB pages";
     cn.Close();
     cn.setConnectionString(jet351("testV1997.mdb"));
     cn.Open("", "someone", "anything", -1);  // no password set: user and password are ignored

@@ -1,6 +1,6 @@
 // Writing rows through the record set on copies of real files: the table engine's own call
 // sequences, pending values, refusals that leave the file untouched (values that do not
-// fit, duplicate and null keys, keys without known sort codes), long values of every size
+// fit, duplicate and null keys, keys of characters beyond U+FFFF), long values of every size
 // class, moved rows, growth of indexes and maps, autonumbers and write access.
 // After every change the integrity checker, which rebuilds every index from the rows, must
 // find nothing.
@@ -152,8 +152,16 @@ TEST(TableWrite, DuplicateNullAndUnencodableKeysAreRefusedAndNothingIsWritten) {
     s.field("row").setValue(Variant::null());
     s.field("data").setValue(Variant::string("other"));
     EXPECT_NE(std::string::npos, errorOf([&] { s.rs.Update(); }).find("Index or primary key cannot contain a Null value."));
-    s.field("row").setValue(Variant::string("\xE6\x97\xA5\xE6\x9C\xAC"));  // no known sort codes
+    s.field("row").setValue(Variant::string("\xF0\x9F\x98\x80"));  // beyond U+FFFF: no known sort code
     EXPECT_NE(std::string::npos, errorOf([&] { s.rs.Update(); }).find("PrimaryKey"));
+    s.rs.CancelUpdate();
+    // Characters the order ignores leave keys equal: "x" and "x" with a tatweel are duplicates.
+    s.rs.MoveFirst();
+    const std::string taken = s.field("data").Value().asString();
+    s.rs.AddNew();
+    s.field("row").setValue(Variant::string("another new row"));
+    s.field("data").setValue(Variant::string(taken + "\xD9\x80"));
+    EXPECT_EQ(jet::err::IntegrityViolation, errorNumberOf([&] { s.rs.Update(); }));
     s.rs.CancelUpdate();
     // An update onto another row's key, and a batch that clashes with itself.
     s.rs.MoveFirst();
@@ -171,8 +179,8 @@ TEST(TableWrite, DuplicateNullAndUnencodableKeysAreRefusedAndNothingIsWritten) {
 }
 
 // What the index maintainer must carry into every index: all-null keys left out of the
-// "ignore nulls" indexes, keys that move, rows with keys Jet wrote in codes this engine
-// does not know, and every byte of code page 1252 in a Jet 3 text key.
+// "ignore nulls" indexes, keys that move, Jet 4 text in every kind of sort code, and every
+// byte of code page 1252 in a Jet 3 text key.
 TEST(TableWrite, IndexesFollowInsertsUpdatesAndDeletesOfEveryKind) {
     Session s = Session::onCopyOf("testIndexPropertiesV2003.mdb");
     for (const char* table : {"TableIgnoreNulls1", "TableIgnoreNulls2", "TableUnique2_temp"}) {
@@ -196,11 +204,21 @@ TEST(TableWrite, IndexesFollowInsertsUpdatesAndDeletesOfEveryKind) {
 
     Session unicode = Session::onCopyOf("testUnicodeCompV2003.mdb");
     unicode.open("Table");
+    // Greek, Polish, Turkish, Hebrew with points, Chinese, kana with an unprintable, a
+    // combining accent: every kind of sort code in the index on "Unicode".
+    for (const char* text : {"\xCE\x9A\xCF\x8D\xCF\xB0\xCE\xBB\xCF\x89\xCF\x80\xCE\xB1", "\xC5\x81\xC3\xB3" "d\xC5\xBA",
+                             "A\xC4\x9F" "a", "\xD7\xA9\xD7\x81\xD7\x9C\xD7\x95\xD6\xB9\xD7\x9D", "\xE4\xB8\xAD\xE6\x96\x87",
+                             "\xE3\x81\x81\xE3\x81\x8C-", "e\xCC\x81t\xC3\xA9"}) {
+        unicode.rs.AddNew();
+        unicode.field("Unicode").setValue(Variant::string(text));
+    }
+    unicode.rs.UpdateBatch(3);
+    unicode.expectClean();
     unicode.rs.AddNew();
-    unicode.field("Unicode").setValue(Variant::string("\xCF\xB0\xCE\xB1"));  // no known sort codes
+    unicode.field("Unicode").setValue(Variant::string("smile \xF0\x9F\x98\x80"));
     const std::string refusal = errorOf([&] { unicode.rs.Update(); });
     EXPECT_NE(std::string::npos, refusal.find("'Unicode'")) << refusal;
-    EXPECT_NE(std::string::npos, refusal.find("U+03F0")) << refusal;
+    EXPECT_NE(std::string::npos, refusal.find("U+D83D")) << refusal;
     unicode.rs.CancelUpdate();
     for (unicode.rs.MoveFirst(); !unicode.rs.Eof();)  // the rows Jet wrote, found by their row pointers
         unicode.rs.Delete(1);
@@ -350,6 +368,95 @@ TEST_P(Growth, ThousandsOfRowsSplitTheIndexAndOutgrowInlineMaps) {
     s.expectClean();
     s.open("Table1");
     EXPECT_EQ(before + 3000, s.rs.RecordCount());
+}
+
+// A loader hands in text without making String values of it; what it gets, value or
+// refusal, is what assigning the same text as a String gives.
+TEST(TableWrite, TextAssignedAsTextReadsAsTheSameStringValue) {
+    Session s = Session::onCopyOf("testV2000.mdb");
+    s.open("Table1");
+    s.rs.AddNew();
+    const std::string tooLong(51, 'x');
+    const std::pair<const char*, const char*> cases[] = {
+        {"A", "plain text"}, {"B", ""},         {"C", " 255 "},    {"C", "256"},        {"D", "-3.5"},
+        {"E", "12e3"},       {"E", "twelve"},   {"F", "-1.25e-3"}, {"F", "1e999"},      {"G", "1974-09-21 10:20:30"},
+        {"G", "yesterday"},  {"H", "12.34567"}, {"I", "Yes"},      {"I", "0"},          {"I", "maybe"},
+        {"H", "  "},         {"A", tooLong.c_str()},
+    };
+    for (const auto& [column, text] : cases) {
+        const std::string asValue = errorOf([&] { s.field(column).setValue(Variant::string(text)); });
+        const Variant viaValue = asValue.empty() ? s.field(column).Value() : Variant();
+        const std::string asText = errorOf([&] { s.field(column).setText(text); });
+        EXPECT_EQ(asValue, asText) << column << " " << text;
+        if (asValue.empty()) {
+            EXPECT_EQ(viaValue, s.field(column).Value()) << column << " " << text;
+        }
+    }
+    s.rs.CancelUpdate();
+}
+
+TEST(TableWrite, AConnectionTransactionHoldsManyChangesAndUndoesAllOfThem) {
+    Session s = Session::onCopyOf("testIndexPropertiesV2003.mdb");
+    const std::string original = readAll(s.path);
+    EXPECT_EQ(jet::err::NoTransaction, errorNumberOf([&] { s.cn.CommitTrans(); }));
+    EXPECT_EQ(jet::err::NoTransaction, errorNumberOf([&] { s.cn.RollbackTrans(); }));
+    auto addRow = [&](const std::string& row, const std::string& data) {
+        s.rs.AddNew();
+        s.field("row").setValue(Variant::string(row));
+        s.field("data").setValue(Variant::string(data));
+        s.rs.Update();
+    };
+
+    // Changes wait in the transaction and show in the record set; a rollback undoes them,
+    // and the rows it added stay in the record set as rows that are gone.
+    s.open("TableUnique1_temp", 1, 3);
+    const int32_t rows = s.rs.RecordCount();
+    EXPECT_EQ(1, s.cn.BeginTrans());
+    EXPECT_EQ(jet::err::TransactionOpen, errorNumberOf([&] { s.cn.BeginTrans(); }));
+    addRow("t1", "first");
+    addRow("t2", "second");
+    s.rs.MoveFirst();
+    s.field("data").setValue(Variant::string("changed"));
+    s.rs.Update();
+    EXPECT_EQ(rows + 2, s.rs.RecordCount());
+    EXPECT_EQ(original, readAll(s.path)) << "nothing reaches the file before the commit";
+    s.cn.RollbackTrans();
+    EXPECT_EQ(rows + 2, s.rs.RecordCount());
+    s.rs.MoveLast();
+    EXPECT_EQ(jet::err::DeletedRow, errorNumberOf([&] { s.text("data"); }));
+    s.rs.Delete(1);
+    s.rs.MoveFirst();
+    EXPECT_EQ("stuff", s.text("data"));
+
+    // A refused change undoes the whole transaction at once and fails it.
+    s.cn.BeginTrans();
+    addRow("t1", "first");
+    EXPECT_NE(0, s.errorOf("CREATE TABLE inside (a LONG)")) << "no design change inside a transaction";
+    EXPECT_EQ(jet::err::IntegrityViolation, errorNumberOf([&] { addRow("t3", "stuff"); }));
+    s.rs.CancelUpdate();
+    s.rs.MoveLast();
+    EXPECT_EQ(jet::err::DeletedRow, errorNumberOf([&] { s.text("row"); })) << "t1 is gone";
+    EXPECT_NE(std::string::npos, errorOf([&] { addRow("t4", "later"); }).find("RollbackTrans"));
+    s.rs.CancelUpdate();
+    EXPECT_NE(std::string::npos, errorOf([&] { s.cn.CommitTrans(); }).find("rolled back"));
+    EXPECT_EQ(jet::err::NoTransaction, errorNumberOf([&] { s.cn.RollbackTrans(); }));
+
+    // Closing the connection rolls an open transaction back; a commit writes all of it.
+    s.cn.BeginTrans();
+    addRow("t1", "first");
+    EXPECT_TRUE(unchangedSince(s, original));
+    s.reopen();
+    s.open("TableUnique1_temp", 1, 3);
+    s.cn.BeginTrans();
+    for (int i = 0; i < 300; ++i) addRow("many " + std::to_string(i), "data " + std::to_string(i));
+    s.cn.CommitTrans();
+    s.close();
+    s.reopen();
+    s.open("TableUnique1_temp");
+    EXPECT_EQ(rows + 300, s.rs.RecordCount());
+    s.expectClean();
+    s.close();
+    EXPECT_FALSE(std::filesystem::exists(s.path + "-journal"));
 }
 
 TEST(TableWrite, AutoNumbersCountOnAndAnExplicitLargerValueRaisesTheCounter) {

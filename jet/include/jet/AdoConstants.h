@@ -1,6 +1,7 @@
 #pragma once
 // The ADO numbers the engine's surface takes or gives: object states, cursor locations,
-// the schema rowset and command options, and the DataTypeEnum values a Field reports.
+// the schema rowset and command options, cursor and lock types, and the DataTypeEnum
+// values a Field reports.
 
 #include <cstdint>
 
@@ -11,6 +12,8 @@ inline constexpr int32_t StateClosed = 0, StateOpen = 1;
 inline constexpr int32_t UseServer = 2, UseClient = 3;
 inline constexpr int32_t SchemaTables = 20;
 inline constexpr int32_t CmdTable = 2, CmdTableDirect = 512;
+inline constexpr int32_t OpenForwardOnly = 0, OpenKeyset = 1, OpenDynamic = 2, OpenStatic = 3;
+inline constexpr int32_t LockReadOnly = 1, LockPessimistic = 2, LockOptimistic = 3, LockBatchOptimistic = 4;
 }  // namespace ado
 
 // ADO DataTypeEnum values of the column types.

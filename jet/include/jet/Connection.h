@@ -22,6 +22,7 @@ class Connection {
 public:
     Connection();
     explicit Connection(Env& env);
+    // An open transaction is rolled back.
     ~Connection();
 
     const std::string& ConnectionString() const { return connectionString_; }
@@ -30,7 +31,9 @@ public:
     void setCursorLocation(int32_t location) { cursorLocation_ = location; }
 
     // Empty arguments keep what the connection string says; a non-empty user or password
-    // overrides it, as ADO's Open arguments do.
+    // overrides it, as ADO's Open arguments do. Besides the provider, data source, user
+    // and passwords, "Jet OLEDB:Max Buffer Size" sets how many kilobytes of the file's pages
+    // are kept in memory (default 32 MB).
     void Open(const std::string& connectionString = "", const std::string& userId = "",
               const std::string& password = "", int32_t options = -1);
     void Close();
@@ -38,9 +41,20 @@ public:
 
     // Runs one of the data-definition statements the SQL front end knows (SqlParser.h):
     // CREATE TABLE, ALTER TABLE ... ADD/DROP/RENAME, DROP TABLE. Each is one transaction,
-    // all of it or nothing. `recordsAffected`, when given, is set to 0 as Jet reports for
+    // all of it or nothing; none runs inside a transaction begun with BeginTrans. `recordsAffected`, when given, is set to 0 as Jet reports for
     // such statements; options are taken as ADO takes them (the program sends -1).
     void Execute(const std::string& commandText, int32_t* recordsAffected = nullptr, int32_t options = -1);
+
+    // One transaction across many changes: every row a record set of this connection adds,
+    // changes or deletes goes into it, and reaches the file when CommitTrans succeeds, all
+    // of it or nothing. RollbackTrans and Close undo all of it; rows added in it then leave
+    // the record sets. A change refused inside it (a duplicate key, a value that does not
+    // fit) undoes all of it at once, since nothing half-done may be committed: it then
+    // takes no more changes, and CommitTrans reports it failed. One transaction at a time:
+    // BeginTrans returns its level, 1.
+    int32_t BeginTrans();
+    void CommitTrans();
+    void RollbackTrans();
 
     // Schema rowsets; only the tables schema (20) exists. Restrictions: catalog, schema,
     // table name, table type ("TABLE", "SYSTEM TABLE", "ACCESS TABLE", "LINK",

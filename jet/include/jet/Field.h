@@ -24,6 +24,9 @@ public:
     // Assigns a value to the current record: converted to the column's type at once (a
     // value that does not fit is refused here), sent as the record set's lock type says.
     void setValue(const Variant& value) const;
+    // Assigns text as a user types it, read in the column's type: the same as assigning it
+    // as a String value, without making one (a loader's way in).
+    void setText(std::string_view text) const;
     Field& operator=(const Variant& value) {
         setValue(value);
         return *this;

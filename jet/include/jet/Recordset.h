@@ -21,6 +21,7 @@
 #include <cstdint>
 #include <memory>
 #include <string>
+#include <string_view>
 
 #include "jet/Field.h"
 
@@ -81,6 +82,7 @@ public:
     const RecordSource& source() const;
     Variant valueAt(size_t field) const;
     void setValueAt(size_t field, const Variant& value);
+    void setTextAt(size_t field, std::string_view text);
     void openSource(std::shared_ptr<RecordSource> source);
 
 private:

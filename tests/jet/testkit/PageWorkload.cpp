@@ -113,7 +113,8 @@ void PageWorkload::advanceModelTo(uint64_t k) {
 uint64_t PageWorkload::check(Pager& pager) {
     if (pager.pageCount() == 0) throw std::runtime_error("the file has no pages");
     std::vector<uint8_t> expected(pageSize);
-    const uint8_t* first = pager.read(0);
+    const PageRef firstPage = pager.read(0);
+    const uint8_t* first = firstPage.data();
     const uint64_t k = le64(first + 8);
     // Page 0 must be exactly what transaction k wrote before k can be trusted.
     fill(expected.data(), k, 0);
@@ -126,11 +127,11 @@ uint64_t PageWorkload::check(Pager& pager) {
                                  "transaction " + std::to_string(k) + " has " + std::to_string(lastWriter_.size()));
     for (uint32_t n = 1; n < pager.pageCount(); ++n) {
         fill(expected.data(), lastWriter_[n], n);
-        if (std::memcmp(pager.read(n), expected.data(), pageSize) != 0)
+        if (std::memcmp(pager.read(n).data(), expected.data(), pageSize) != 0)
             throw std::runtime_error("page " + std::to_string(n) + " differs from the state after transaction " +
                                      std::to_string(k) + " (it should hold what transaction " +
                                      std::to_string(lastWriter_[n]) + " wrote; it holds transaction " +
-                                     std::to_string(le64(pager.read(n))) + "'s)");
+                                     std::to_string(le64(pager.read(n).data())) + "'s)");
     }
     return k;
 }

@@ -11,7 +11,12 @@ QString standardDescription(int32_t number)
     case vberr::SubscriptOutOfRange: return QStringLiteral("Subscript out of range");
     case vberr::TypeMismatch: return QStringLiteral("Type mismatch");
     case vberr::InternalError: return QStringLiteral("Internal error");
+    case vberr::BadFileNameOrNumber: return QStringLiteral("Bad file name or number");
     case vberr::FileNotFound: return QStringLiteral("File not found");
+    case vberr::FileAlreadyOpen: return QStringLiteral("File already open");
+    case vberr::DeviceIoError: return QStringLiteral("Device I/O error");
+    case vberr::DiskFull: return QStringLiteral("Disk full");
+    case vberr::TooManyFiles: return QStringLiteral("Too many files");
     case vberr::InputPastEndOfFile: return QStringLiteral("Input past end of file");
     case vberr::PathFileAccessError: return QStringLiteral("Path/File access error");
     case vberr::PathNotFound: return QStringLiteral("Path not found");

@@ -13,7 +13,6 @@
 // of the record set on to the caller.
 
 #include <cstdint>
-#include <functional>
 #include <memory>
 #include <optional>
 #include <QObject>
@@ -245,9 +244,6 @@ private:
     int32_t fieldCount() const;
     // Writes the text into the field named CaptionOfField(column) of the current record.
     void setCell(int32_t column, const QString& value);
-    // Runs the code that fills the row just added; on an error the row is cancelled before
-    // the error goes on.
-    void fillNewRow(const std::function<void()>& fill);
 
     LoginGlobals login_;
     const lang::LangApp& captions_;

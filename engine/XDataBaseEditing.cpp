@@ -40,18 +40,6 @@ void XDataBase::setCell(int32_t column, const QString& value)
     field(CaptionOfField(column)).setValue(textValue(value));
 }
 
-void XDataBase::fillNewRow(const std::function<void()>& fill)
-{
-    try {
-        fill();
-    } catch (...) {
-        // The half-filled row goes before the error does, so that no later batch update
-        // can send it.
-        host::resumeNext({[&] { recordset_->CancelUpdate(); }});
-        throw;
-    }
-}
-
 bool XDataBase::AddValue(const QString& fieldName, int32_t row, const QString& value)
 {
     const auto error = host::trapError([&] {

@@ -4,6 +4,7 @@
 #include <QCoreApplication>
 
 #include "engine/XDataBase.h"
+#include "engine/formats/ImportedRows.h"
 #include "host/AnsiCodePage.h"
 #include "host/NumberedFiles.h"
 #include "host/VbConvert.h"
@@ -152,6 +153,7 @@ bool XDataBase::ImportHtmlTable(const QString& fileName)
     qsizetype current = page.findOr(">", start + 6, page.size());
 
     bool tableCreated = false;
+    ImportedRows rows(recordset_);
     for (bool header = true;; header = false) {
         const qsizetype row = page.find("<tr", current + 1);
         // A new record is begun before the search is looked at, so one empty record
@@ -183,15 +185,13 @@ bool XDataBase::ImportHtmlTable(const QString& fileName)
                     AddField(text, QStringLiteral("TEXT"));
                 }
             }
-            if (!header)
-                recordset_->Update();
         };
-        header ? readRow() : fillNewRow(readRow);
+        header ? readRow() : rows.fill(readRow);
         current = row;
     }
     if (!tableCreated)
         throw noColumnNames(fileName);
-    recordset_->UpdateBatch();
+    rows.send();
     setAddedTable(name);
     return true;
 }

@@ -2,6 +2,7 @@
 // escaped; the separator may be longer than one character and goes in whole.
 
 #include "engine/XDataBase.h"
+#include "engine/formats/ImportedRows.h"
 #include "host/NumberedFiles.h"
 #include "host/TextLineReader.h"
 #include "host/VbConvert.h"
@@ -79,6 +80,7 @@ bool XDataBase::ImportTextTable(const QString& fileName, const QString& separato
     openQuery(adOpenForwardOnly, adLockBatchOptimistic);
     AdoptImportedTable(name, columns);
 
+    ImportedRows rows(recordset_);
     for (int32_t lineNumber = 2; !in->atEnd(); ++lineNumber) {
         const QStringList fields = host::Split(in->readLine(), separator);
         // Refused before the row is begun, so the rows stored so far stay and no half
@@ -89,12 +91,12 @@ bool XDataBase::ImportTextTable(const QString& fileName, const QString& separato
                                                "%4 has %5 columns")
                                     .arg(lineNumber).arg(fileName).arg(fields.size()).arg(name).arg(fieldCount()));
         recordset_->AddNew();
-        fillNewRow([&] {
+        rows.fill([&] {
             for (int32_t k = 1; k <= fields.size(); ++k)
                 setCell(k, fields[k - 1]);
-            recordset_->Update();
         });
     }
+    rows.send();
     setAddedTable(name);
     return true;
 }

@@ -12,6 +12,7 @@
 #include <optional>
 
 #include "engine/XDataBase.h"
+#include "engine/formats/ImportedRows.h"
 #include "host/ErrorTrap.h"
 #include "host/NumberedFiles.h"
 #include "host/VbError.h"
@@ -140,20 +141,20 @@ bool XDataBase::ImportXmlTable(const QString& fileName)
         const std::optional<host::XmlElement> data = childNamed(table, QStringLiteral("data"));
         if (!data)
             return;
+        ImportedRows rows(recordset_);
         for (int32_t i = 1; i <= data->childCount(); ++i) {
             const host::XmlElement line = data->child(i);
             if (line.name() != u"line")
                 return;
             recordset_->AddNew();
-            fillNewRow([&] {
+            rows.fill([&] {
                 const QStringList values =
                     host::Split(line.attribute(QStringLiteral("text")), line.attribute(QStringLiteral("sep")));
                 for (qsizetype k = 0; k < values.size(); ++k)
                     setCell(int32_t(k + 1), values[k]);
-                recordset_->Update();
             });
         }
-        recordset_->UpdateBatch();
+        rows.send();
         setAddedTable(name);
         imported = true;
     });

@@ -120,6 +120,24 @@ TEST_F(TableReadersTest, TextRefusesALineWithMoreFieldsThanColumnsAndKeepsTheRow
     EXPECT_EQ(sortedNames(tablesInFile()), sortedNames(kIndexTables + QStringList({"wide", "wide2"})));
 }
 
+TEST_F(TableReadersTest, RowsBeforeAFailureAreStoredAlsoBeyondTheFirstThousand)
+{
+    openCopy("indexTestV1997.mdb");
+    QStringList text = {"n"}, xml = {"<t type=\"list\"><columns sep=\",\" text=\"n\"/><data>"};
+    QStringList numbers;
+    for (int i = 1; i <= 2500; ++i) {
+        text << QString::number(i);
+        xml << QString("<line sep=\",\" text=\"%1\"/>").arg(i);
+        numbers << QString::number(i);
+    }
+    EXPECT_EQ(runTimeErrorOf([&] { db().OpenTable(tableFile("many.txt", lines(text + QStringList{"x,y"}))); }), 9);
+    EXPECT_FALSE(db().OpenTable(tableFile("stray.xml", lines(xml + QStringList{"<row/></data></t>"}))));
+    EXPECT_FALSE(db().OpenTable(tableFile("wide.xml", lines(xml + QStringList{"<line sep=\",\" text=\"x,y\"/></data></t>"}))));
+    EXPECT_EQ(shownBoxes(fake), QStringList({"Error!|16|Error of opening table XML!"}));
+    for (const char* table : {"many", "stray", "wide"})
+        EXPECT_EQ(content(table), numbers) << table;
+}
+
 TEST_F(TableReadersTest, ATakenNameIsAskedForAgainUnlessItIsTheLastTable)
 {
     openCopy("indexTestV1997.mdb");

@@ -19,13 +19,11 @@
 #include <QFileInfo>
 #include <QTemporaryDir>
 
-#include "engine/XDataBase.h"
-#include "host/Registry.h"
+#include "../tests/support/StandaloneEngine.h"
+
 #include "jet/Connection.h"
 #include "jet/NewDatabase.h"
 #include "jet/Recordset.h"
-#include "lang/LangApp.h"
-#include "ui/ScriptedUiServices.h"
 
 namespace {
 
@@ -106,13 +104,8 @@ int main(int argc, char** argv)
     generate(database, "Big", rows);
     generate(database, "Small", kTextRows);
 
-    host::Registry registry(host::Registry::defaultFolder());
-    bool useLogin = false, accepted = false;
-    QString user, password;
-    lang::LangApp captions;
-    ui::ScriptedUiServices fake;
-    ui::UiServicesScope use(fake);
-    engine::XDataBase db(registry, engine::LoginGlobals{useLogin, user, password, accepted}, captions);
+    StandaloneEngine standalone;
+    engine::XDataBase& db = standalone.db;
     if (!db.OpenDataBase(database)) {
         std::fprintf(stderr, "cannot open %s\n", qPrintable(database));
         return 1;

@@ -11,6 +11,7 @@
 
 #include "engine/XDataBase.h"
 #include "host/VbError.h"
+#include "host/VbStrings.h"
 
 namespace engine {
 
@@ -87,13 +88,7 @@ QString XDataBase::CleanCellText(const QString& text)
     QString cell = removeTagPairs(text);
     cell.removeIf(isRemovedControl);
     // Only blanks are trimmed; then every pair of blanks goes, so three leave one.
-    qsizetype first = 0;
-    qsizetype last = cell.size();
-    while (first < last && cell[first] == u' ')
-        ++first;
-    while (last > first && cell[last - 1] == u' ')
-        --last;
-    cell = cell.mid(first, last - first);
+    cell = host::Trim(cell);
     cell.replace(QStringLiteral("  "), QString());
     return resolveEntities(cell);
 }

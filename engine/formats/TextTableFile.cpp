@@ -7,7 +7,7 @@
 #include "host/TextLineReader.h"
 #include "host/VbConvert.h"
 #include "host/VbError.h"
-#include "host/VbSplit.h"
+#include "host/VbStrings.h"
 #include "jet/Recordset.h"
 
 namespace engine {

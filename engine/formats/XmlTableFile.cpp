@@ -16,7 +16,7 @@
 #include "host/ErrorTrap.h"
 #include "host/NumberedFiles.h"
 #include "host/VbError.h"
-#include "host/VbSplit.h"
+#include "host/VbStrings.h"
 #include "host/XmlDocument.h"
 #include "jet/Recordset.h"
 #include "ui/UiServices.h"

@@ -15,17 +15,14 @@
 #include <QDir>
 #include <QFile>
 
+#include "../../support/StandaloneEngine.h"
 #include "../../support/TestSupport.h"
 
-#include "engine/XDataBase.h"
 #include "host/NumberedFiles.h"
-#include "host/Registry.h"
 #include "jet/Checker.h"
 #include "jet/Connection.h"
 #include "jet/NewDatabase.h"
 #include "jet/Recordset.h"
-#include "lang/LangApp.h"
-#include "ui/ScriptedUiServices.h"
 
 namespace {
 
@@ -80,19 +77,13 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size)
         std::abort();
     writeFile(setting.input, QByteArray(reinterpret_cast<const char*>(data), qsizetype(size)));
     {
-        host::Registry registry(host::Registry::defaultFolder());
-        bool useLogin = false, accepted = false;
-        QString user, password;
-        lang::LangApp captions;
-        ui::ScriptedUiServices fake;
-        ui::UiServicesScope use(fake);
+        StandaloneEngine standalone;
         // The number of the HTML table to read, should the page hold several.
-        fake.answerInputBox("2");
-        engine::XDataBase db(registry, engine::LoginGlobals{useLogin, user, password, accepted}, captions);
-        if (!db.OpenDataBase(setting.work))
+        standalone.fake.answerInputBox("2");
+        if (!standalone.db.OpenDataBase(setting.work))
             std::abort();
-        runTimeErrorOf([&] { db.OpenTable(setting.input); });
-        if (fake.messageBoxes().size() > 1 || fake.boxes().size() > 2)
+        runTimeErrorOf([&] { standalone.db.OpenTable(setting.input); });
+        if (standalone.fake.messageBoxes().size() > 1 || standalone.fake.boxes().size() > 2)
             std::abort();
         host::NumberedFiles::program().CloseAll();
     }

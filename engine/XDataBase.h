@@ -217,7 +217,7 @@ private:
     bool recordsetOpen() const;
     void execute(const QString& sql);
     // Closes the record set, runs "ALTER TABLE <current table>" + change and opens the
-    // record set again; False on an error.
+    // record set again; False on an error, which is kept in lastAlterError_.
     bool alterCurrentTable(const QString& change);
     jet::Field field(const QString& name) const;
 
@@ -236,6 +236,10 @@ private:
     static QString withoutReservedWord(const QString& name);
     // Asks for another name while the name is in Tables before its last position.
     QString AvoidNameClash(QString name);
+    // AddField(name, "TEXT") for a column after the first, raising what kept it from being
+    // added: the values meant for it would otherwise go into the next column, or find the
+    // record set closed.
+    void addImportedColumn(const QString& name);
     // Makes the imported table the current one by name: in Tables, with its columns.
     void AdoptImportedTable(const QString& name, const QStringList& columns);
     // The text of the current record's cell in the 1-based column, as the writers take
@@ -256,6 +260,7 @@ private:
     QString currentTable_;
     int32_t createdTableCount_ = 0;
     bool columnsChanged_ = false;
+    std::optional<jet::RuntimeError> lastAlterError_;
     host::CreatedOnFirstUse<host::StringList> tables_;
     host::CreatedOnFirstUse<host::StringList> columns_;
     QString newTableName_;

@@ -87,10 +87,11 @@ bool XDataBase::DeleteRecord(int32_t row)
 bool XDataBase::alterCurrentTable(const QString& change)
 {
     closeRecordset();
-    return !host::trapError([&] {
+    lastAlterError_ = host::trapError([&] {
         execute(QStringLiteral("ALTER TABLE ") + currentTable_ + change);
         reopenRecordset();
     });
+    return !lastAlterError_;
 }
 
 bool XDataBase::AddField(const QString& name, const QString& type)

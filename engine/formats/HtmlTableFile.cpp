@@ -182,7 +182,7 @@ bool XDataBase::ImportHtmlTable(const QString& fileName)
                     AdoptImportedTable(name, {text});
                     tableCreated = true;
                 } else {
-                    AddField(text, QStringLiteral("TEXT"));
+                    addImportedColumn(text);
                 }
             }
         };

@@ -50,6 +50,15 @@ std::optional<jet::RuntimeError> XDataBase::CreateImportTable(const QString& tab
     return std::nullopt;
 }
 
+void XDataBase::addImportedColumn(const QString& name)
+{
+    if (AddField(name, QStringLiteral("TEXT")) || !lastAlterError_)
+        return;
+    throw jet::RuntimeError(lastAlterError_->number(),
+                            lastAlterError_->description() + " (column '" + name.toStdString() + "' of the table '" +
+                                currentTable_.toStdString() + "')");
+}
+
 void XDataBase::AdoptImportedTable(const QString& name, const QStringList& columns)
 {
     Tables().Add(name);

@@ -135,7 +135,7 @@ bool XDataBase::ImportXmlTable(const QString& fileName)
             throw *failed;
         AdoptImportedTable(name, columns);
         for (qsizetype i = 1; i < columns.size(); ++i)
-            AddField(columns[i], QStringLiteral("TEXT"));
+            addImportedColumn(columns[i]);
 
         // From here on a table exists: a silent failure leaves it with the rows stored so far.
         const std::optional<host::XmlElement> data = childNamed(table, QStringLiteral("data"));

@@ -252,6 +252,11 @@ TEST_F(TableReadersTest, XmlErrorsShowOneMessageAndKeepTheRowsStoredSoFar)
                                                        "<line sep=\",\" text=\"ok\"/><line sep=\",\" text=\"" +
                                                            QByteArray(256, 'x') + "\"/></data></t>")));
     EXPECT_EQ(shownBoxes(fake), errorBox);
+    // A second column Jet refuses.
+    fake.clear();
+    EXPECT_FALSE(db().OpenTable(tableFile("second.xml", "<t type=\"list\"><columns sep=\",\" text=\"a,my col\"/><data>"
+                                                         "<line sep=\",\" text=\"1,2\"/></data></t>")));
+    EXPECT_EQ(shownBoxes(fake), errorBox);
     // No column name at all.
     fake.clear();
     EXPECT_FALSE(db().OpenTable(tableFile("nameless.xml", "<t type=\"list\"><columns sep=\",\" text=\"\"/><data/></t>")));
@@ -260,7 +265,8 @@ TEST_F(TableReadersTest, XmlErrorsShowOneMessageAndKeepTheRowsStoredSoFar)
     EXPECT_EQ(db().AddedTable(), "");
     EXPECT_EQ(content("wide"), QStringList({"1|2"}));
     EXPECT_EQ(content("long"), QStringList({"ok"}));
-    EXPECT_EQ(sortedNames(tablesInFile()), sortedNames(kIndexTables + QStringList({"long", "wide"})));
+    EXPECT_EQ(content("second"), QStringList());
+    EXPECT_EQ(sortedNames(tablesInFile()), sortedNames(kIndexTables + QStringList({"long", "second", "wide"})));
 }
 
 TEST_F(TableReadersTest, HtmlAlwaysReadsTheFirstTableWhateverNumberIsChosen)
@@ -340,12 +346,24 @@ TEST_F(TableReadersTest, HtmlErrorsReachTheCallerAndTheTableKeepsItsRows)
                                                        "<tr><td>2</td><td>x</td></tr></table>"));
               }),
               jet::err::ItemNotFound);
+    // A column Jet refuses (a blank in the name, one too many) stops the import there.
+    EXPECT_NE(errorText([&] {
+                  db().OpenTable(tableFile("blank.htm", "<table><tr><td>a</td><td>my col</td><td>c</td></tr>"
+                                                        "<tr><td>1</td><td>2</td></tr></table>"));
+              }).find("Syntax error in field definition. (column 'my col' of the table 'blank')"),
+              std::string::npos);
+    QByteArray header;
+    for (int i = 0; i < 300; ++i)
+        header += "<td>c" + QByteArray::number(i) + "</td>";
+    EXPECT_EQ(runTimeErrorOf([&] { db().OpenTable(tableFile("many.htm", "<table><tr>" + header + "</tr></table>")); }),
+              jet::err::Unspecified);
     // Cut short: the last row and cell end where the text ends.
     ASSERT_TRUE(db().OpenTable(tableFile("cut.htm", "<table><tr><td>a</td><td>b</td></tr><tr><td>1</td><td>2")));
     EXPECT_EQ(content("cut"), QStringList({"1|2", "<Null>|<Null>"}));
     EXPECT_EQ(content("single"), QStringList({"1"}));
     EXPECT_EQ(content("wide"), QStringList({"1"}));
-    EXPECT_EQ(sortedNames(tablesInFile()), sortedNames(kIndexTables + QStringList({"cut", "single", "wide"})));
+    EXPECT_EQ(content("blank"), QStringList());
+    EXPECT_EQ(sortedNames(tablesInFile()), sortedNames(kIndexTables + QStringList({"blank", "cut", "many", "single", "wide"})));
 }
 
 TEST_F(TableReadersTest, EmptyBinaryAndHostileTextFilesEndInAClearError)

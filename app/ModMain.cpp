@@ -1,14 +1,14 @@
 #include "app/ModMain.h"
 
 #include "engine/XDataBase.h"
-#include "host/CreatedOnFirstUse.h"
 #include "host/Registry.h"
 #include "host/RegistryKeys.h"
-#include "host/VbConvert.h"
 #include "lang/LangApp.h"
 #include "lang/LanguageTableLoader.h"
-#include "ui/TopLevelHandler.h"
-#include "ui/UiServices.h"
+#include "rt/CreatedOnFirstUse.h"
+#include "rt/TopLevelHandler.h"
+#include "rt/UiServices.h"
+#include "rt/VbConvert.h"
 
 namespace app {
 
@@ -30,7 +30,7 @@ namespace {
 // The registry needs its folder at creation, so it cannot use CreatedOnFirstUse's
 // default construction.
 std::unique_ptr<host::Registry> gRegistryObject;
-host::CreatedOnFirstUse<lang::LangApp> gLangObject;
+rt::CreatedOnFirstUse<lang::LangApp> gLangObject;
 // Made with the registry and the login globals it reads and writes.
 std::unique_ptr<engine::XDataBase> gDataBaseObject;
 
@@ -77,10 +77,10 @@ void resetModuleGlobals()
 
 bool LoadLanguageTable(const QString& fileName)
 {
-    return lang::LanguageTableLoader(gLang(), gRegistry(), ui::UiServices::current()).load(fileName);
+    return lang::LanguageTableLoader(gLang(), gRegistry(), rt::UiServices::current()).load(fileName);
 }
 
-void Main(const std::function<void()>& showMainForm)
+void Main()
 {
     using host::HKEY_CURRENT_USER;
     namespace keys = host::keys;
@@ -88,15 +88,15 @@ void Main(const std::function<void()>& showMainForm)
 
     const QString languageFile = registry.read(HKEY_CURRENT_USER, keys::Languages, keys::LanguageFile);
     // A missing value gives code 0, so the separator is then the NUL character.
-    gTableSeparator = host::Chr(host::CLng(host::Val(registry.read(HKEY_CURRENT_USER, keys::Pro, keys::TableSeparator))));
-    gTypeNum = host::CLng(host::Val(registry.read(HKEY_CURRENT_USER, keys::Pro, keys::TypeNum)));
-    gUseLogin = host::CInt(host::Val(registry.read(HKEY_CURRENT_USER, keys::Plugin, keys::UseLogin))) != 0;
-    gWinX = host::CSng(host::Val(registry.read(HKEY_CURRENT_USER, keys::Plugin, keys::WinX)));
-    gWinY = host::CSng(host::Val(registry.read(HKEY_CURRENT_USER, keys::Plugin, keys::WinY)));
+    gTableSeparator = rt::Chr(rt::CLng(rt::Val(registry.read(HKEY_CURRENT_USER, keys::Pro, keys::TableSeparator))));
+    gTypeNum = rt::CLng(rt::Val(registry.read(HKEY_CURRENT_USER, keys::Pro, keys::TypeNum)));
+    gUseLogin = rt::CInt(rt::Val(registry.read(HKEY_CURRENT_USER, keys::Plugin, keys::UseLogin))) != 0;
+    gWinX = rt::CSng(rt::Val(registry.read(HKEY_CURRENT_USER, keys::Plugin, keys::WinX)));
+    gWinY = rt::CSng(rt::Val(registry.read(HKEY_CURRENT_USER, keys::Plugin, keys::WinY)));
 
-    ui::runHandled([&] { LoadLanguageTable(languageFile); });
+    rt::runHandled([&] { LoadLanguageTable(languageFile); });
 
-    showMainForm();
+    rt::UiServices::current().showForm(QStringLiteral("frmTable"));
 }
 
 }  // namespace app

@@ -5,7 +5,6 @@
 // a fresh start (tests use it).
 
 #include <cstdint>
-#include <functional>
 #include <QString>
 
 namespace engine {
@@ -46,14 +45,14 @@ engine::XDataBase& gDataBase();
 void resetModuleGlobals();
 
 // Loads the language table of that name from the language folder into gLang(); messages
-// go through ui::UiServices::current(). Always returns false (see LanguageTableLoader).
+// go through rt::UiServices::current(). Always returns false (see LanguageTableLoader).
 bool LoadLanguageTable(const QString& fileName);
 
 // The program's start: reads the settings into the globals, loads the language table and
-// shows the main window through showMainForm (supplied by the executable, which is the
-// only part that knows the forms). An error while reading the settings is raised to the
-// caller; an error of the language table is shown in the run-time error box and start-up
-// goes on, so a broken language file never keeps the program from starting.
-void Main(const std::function<void()>& showMainForm);
+// asks the UI services to show the main window, "frmTable" (the executable, the only part
+// that knows the forms, has made it known to them). An error while reading the settings is
+// raised to the caller; an error of the language table is shown in the run-time error box
+// and start-up goes on, so a broken language file never keeps the program from starting.
+void Main();
 
 }  // namespace app

@@ -6,7 +6,7 @@
 #include <memory>
 
 #include "engine/Simple_Row.h"
-#include "host/CreatedOnFirstUse.h"
+#include "rt/CreatedOnFirstUse.h"
 
 namespace engine {
 
@@ -18,8 +18,8 @@ public:
     void setFinish(std::shared_ptr<Simple_Row> corner) { finish_.set(std::move(corner)); }
 
 private:
-    host::CreatedOnFirstUse<Simple_Row> start_;
-    host::CreatedOnFirstUse<Simple_Row> finish_;
+    rt::CreatedOnFirstUse<Simple_Row> start_;
+    rt::CreatedOnFirstUse<Simple_Row> finish_;
 };
 
 }  // namespace engine

@@ -1,6 +1,6 @@
 #include "engine/Table_Selection.h"
 
-#include "host/VbError.h"
+#include "rt/VbError.h"
 
 namespace engine {
 
@@ -12,7 +12,7 @@ int32_t Table_Selection::Count() const
 size_t Table_Selection::checkedIndex(int16_t index) const
 {
     if (index < 0 || static_cast<size_t>(index) >= areas_.size())
-        throw host::vbError(host::vberr::SubscriptOutOfRange);
+        throw rt::vbError(rt::vberr::SubscriptOutOfRange);
     return static_cast<size_t>(index);
 }
 

@@ -11,17 +11,18 @@
 
 #include "engine/XDataBase.h"
 
-#include "host/ErrorTrap.h"
-#include "host/FileSystemObject.h"
 #include "host/FunctionLibrary.h"
-#include "host/HostPath.h"
 #include "host/Registry.h"
 #include "host/RegistryKeys.h"
-#include "host/VbError.h"
 #include "jet/Connection.h"
 #include "jet/NewDatabase.h"
 #include "jet/Recordset.h"
-#include "ui/UiServices.h"
+#include "rt/ErrorTrap.h"
+#include "rt/FileSystemObject.h"
+#include "rt/HostPath.h"
+#include "rt/UiServices.h"
+#include "rt/VariantText.h"
+#include "rt/VbError.h"
 
 namespace engine {
 
@@ -52,7 +53,7 @@ XDataBase::~XDataBase()
 jet::Connection& XDataBase::connection() const
 {
     if (!connection_)
-        throw host::vbError(host::vberr::ObjectNotSet);
+        throw rt::vbError(rt::vberr::ObjectNotSet);
     return *connection_;
 }
 
@@ -123,7 +124,7 @@ void XDataBase::readCatalogue()
     dataMembers_.clear();
     dataMembers_.append(QStringLiteral("!__LIST"));
     for (; !schema_->Eof(); schema_->MoveNext())
-        Tables().Add(QString::fromStdString(schema_->Fields()["TABLE_NAME"].Value().toString()));
+        Tables().Add(rt::CStr(schema_->Fields()["TABLE_NAME"].Value()));
     // An empty catalogue reads item 1 as "", which opens nothing.
     setCurrentTable(Tables().Item(1));
 }
@@ -131,9 +132,9 @@ void XDataBase::readCatalogue()
 bool XDataBase::OpenDataBase(const QString& fileName)
 {
     bool cancelled = false;
-    const auto error = host::trapError([&] {
+    const auto error = rt::trapError([&] {
         if (login_.useLogin) {
-            ui::UiServices::current().showModalForm(QStringLiteral("frmLogin"), QStringLiteral("frmTable"));
+            rt::UiServices::current().showModalForm(QStringLiteral("frmLogin"), QStringLiteral("frmTable"));
             // A login closed by its frame button leaves the flag of the showing before.
             if (!login_.accepted) {
                 cancelled = true;
@@ -168,18 +169,18 @@ bool XDataBase::OpenDataBase(const QString& fileName)
 void XDataBase::CreateDataBase(const QString& /*name*/, const QString& fileName)
 {
     replaceConnection();
-    const QString templateFile = host::localPath(databaseFolder_ + QStringLiteral("\\") + host::keys::TemplateDatabase);
+    const QString templateFile = rt::localPath(databaseFolder_ + QStringLiteral("\\") + host::keys::TemplateDatabase);
     // A missing template or a target in use answers with the file-system object's numbers;
     // the copy itself is the engine's, so a rollback journal a crash left beside the target
     // is discarded, never applied to the fresh copy.
-    host::CheckCopyFile(templateFile, fileName, true);
+    rt::CheckCopyFile(templateFile, fileName, true);
     jet::copyDatabase(templateFile.toStdString(), fileName.toStdString());
     openConnection(QStringLiteral("Provider=microsoft.jet.OLEDB.3.51;Data Source=") + fileName);
 }
 
 void XDataBase::setCurrentTable(const QString& name)
 {
-    host::resumeNext({
+    rt::resumeNext({
         [&] { currentTable_ = name; },
         [&] { queryText_ = QStringLiteral("SELECT * FROM ") + name; },
         [&] { closeRecordset(); },
@@ -195,7 +196,7 @@ void XDataBase::setCurrentTable(const QString& name)
 
 bool XDataBase::CreateTable(const QString& name)
 {
-    return !host::trapError([&] {
+    return !rt::trapError([&] {
         ++createdTableCount_;
         const QString table = withoutReservedWord(name);
         dataMembers_.append(table);
@@ -221,7 +222,7 @@ QString XDataBase::withoutReservedWord(const QString& name)
 bool XDataBase::DeleteTable(const QString& name)
 {
     // Callers never look at the result: it stays False whatever happens.
-    host::trapError([&] {
+    rt::trapError([&] {
         closeRecordset();
         // A name the list lacks ends at its last entry, which is then the one removed.
         int32_t i = 1;

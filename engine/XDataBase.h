@@ -19,8 +19,8 @@
 #include <QString>
 #include <QStringList>
 
-#include "host/CreatedOnFirstUse.h"
-#include "host/StringList.h"
+#include "rt/CreatedOnFirstUse.h"
+#include "rt/StringList.h"
 #include "jet/RuntimeError.h"
 
 namespace jet {
@@ -84,10 +84,10 @@ public:
     // drops the table and removes it from Tables. Always returns False.
     bool DeleteTable(const QString& name);
 
-    host::StringList& Tables() const { return tables_.get(); }
-    void setTables(std::shared_ptr<host::StringList> list) { tables_.set(std::move(list)); }
-    host::StringList& Columns() const { return columns_.get(); }
-    void setColumns(std::shared_ptr<host::StringList> list) { columns_.set(std::move(list)); }
+    rt::StringList& Tables() const { return tables_.get(); }
+    void setTables(std::shared_ptr<rt::StringList> list) { tables_.set(std::move(list)); }
+    rt::StringList& Columns() const { return columns_.get(); }
+    void setColumns(std::shared_ptr<rt::StringList> list) { columns_.set(std::move(list)); }
 
     // Plain stores for the windows and the table-file readers; the engine never reads them.
     QString NewTableName() const { return newTableName_; }
@@ -261,8 +261,8 @@ private:
     int32_t createdTableCount_ = 0;
     bool columnsChanged_ = false;
     std::optional<jet::RuntimeError> lastAlterError_;
-    host::CreatedOnFirstUse<host::StringList> tables_;
-    host::CreatedOnFirstUse<host::StringList> columns_;
+    rt::CreatedOnFirstUse<rt::StringList> tables_;
+    rt::CreatedOnFirstUse<rt::StringList> columns_;
     QString newTableName_;
     QString addedTable_;
     QString defaultSeparator_;
@@ -270,7 +270,7 @@ private:
     // Set after each record of a text save; computed in 16-bit arithmetic.
     double saveProgress_ = 0;
     QStringList dataMembers_;
-    host::CreatedOnFirstUse<host::XmlDocument> xmlDocument_;
+    rt::CreatedOnFirstUse<host::XmlDocument> xmlDocument_;
 };
 
 }  // namespace engine

@@ -3,26 +3,12 @@
 
 #include "engine/Table_Selection.h"
 #include "engine/XDataBase.h"
-#include "host/VbConvert.h"
-#include "host/VbError.h"
 #include "jet/Recordset.h"
+#include "rt/VariantText.h"
+#include "rt/VbConvert.h"
+#include "rt/VbError.h"
 
 namespace engine {
-
-namespace {
-
-QString textOf(const jet::Variant& value)
-{
-    return QString::fromStdString(value.toString());
-}
-
-// A cell as string concatenation takes it: Null adds nothing.
-QString concatenated(const jet::Variant& value)
-{
-    return value.isNull() ? QString() : textOf(value);
-}
-
-}  // namespace
 
 jet::Field XDataBase::field(const QString& name) const
 {
@@ -36,20 +22,20 @@ QString XDataBase::SelectFromTable(const Table_Selection& selection, const QStri
     QString text;
     reopenIfClosed();
     for (int32_t k = 1; k <= selection.Count(); ++k) {
-        const std::shared_ptr<Rows_Selection> area = selection.Item(host::CInt(k));
+        const std::shared_ptr<Rows_Selection> area = selection.Item(rt::CInt(k));
         if (!area)
-            throw host::vbError(host::vberr::ObjectNotSet);
+            throw rt::vbError(rt::vberr::ObjectNotSet);
         for (int64_t c = area->Start().Column(); c <= area->Finish().Column(); ++c) {
             recordset_->MoveFirst();
-            recordset_->Move(host::CLng(double(area->Start().Row()) - 2));
+            recordset_->Move(rt::CLng(double(area->Start().Row()) - 2));
             for (int64_t r = area->Start().Row(); r <= area->Finish().Row(); ++r) {
                 recordset_->MoveNext();
-                text += concatenated(recordset_->Fields()[host::CLng(double(c) - 1)].Value()) + separator;
+                text += rt::concatenationText(recordset_->Fields()[rt::CLng(double(c) - 1)].Value()) + separator;
             }
             // Cut the last separator: shorter than that (a column of no rows first) is
             // the run time's invalid argument to Left.
             if (text.size() < separator.size())
-                throw host::vbError(host::vberr::InvalidProcedureCall);
+                throw rt::vbError(rt::vberr::InvalidProcedureCall);
             text.chop(separator.size());
             text += QStringLiteral("\r\n");
         }
@@ -85,7 +71,7 @@ void XDataBase::MoveNext()
 
 QString XDataBase::GetCurrentRecord(const QString& fieldName)
 {
-    return textOf(field(fieldName).Value());
+    return rt::CStr(field(fieldName).Value());
 }
 
 int32_t XDataBase::RecordCount()
@@ -96,12 +82,12 @@ int32_t XDataBase::RecordCount()
 QString XDataBase::Item(const QString& fieldName, int32_t count)
 {
     recordset_->Move(count);
-    return textOf(field(fieldName).Value());
+    return rt::CStr(field(fieldName).Value());
 }
 
 QString XDataBase::CaptionOfField(int32_t index)
 {
-    return QString::fromStdString(recordset_->Fields()[host::CLng(double(index) - 1)].Name());
+    return QString::fromStdString(recordset_->Fields()[rt::CLng(double(index) - 1)].Name());
 }
 
 void XDataBase::setCaptionOfField(int32_t /*index*/, const QString& /*text*/) {}
@@ -113,7 +99,7 @@ int32_t XDataBase::fieldCount() const
 
 QString XDataBase::cellText(int32_t column)
 {
-    return concatenated(field(CaptionOfField(column)).Value());
+    return rt::concatenationText(field(CaptionOfField(column)).Value());
 }
 
 }  // namespace engine

@@ -3,11 +3,12 @@
 // whole batch or a row update sends its row.
 
 #include "engine/XDataBase.h"
-#include "host/ErrorTrap.h"
-#include "host/VbConvert.h"
-#include "host/VbError.h"
 #include "jet/Recordset.h"
-#include "ui/UiServices.h"
+#include "rt/ErrorTrap.h"
+#include "rt/UiServices.h"
+#include "rt/VariantText.h"
+#include "rt/VbConvert.h"
+#include "rt/VbError.h"
 
 namespace engine {
 
@@ -16,15 +17,10 @@ namespace {
 constexpr int32_t adAffectCurrent = 1;
 constexpr int32_t adAffectAll = 3;
 
-jet::Variant textValue(const QString& text)
-{
-    return jet::Variant::string(text.toStdString());
-}
-
 // Row arithmetic in the run time's Long: leaving its range is Overflow.
 int32_t rowOffset(int32_t row)
 {
-    return host::CLng(double(row) - 1);
+    return rt::CLng(double(row) - 1);
 }
 
 }  // namespace
@@ -32,32 +28,32 @@ int32_t rowOffset(int32_t row)
 void XDataBase::setItem(const QString& fieldName, int32_t count, const QString& value)
 {
     recordset_->Move(count);
-    field(fieldName).setValue(textValue(value));
+    field(fieldName).setValue(rt::stringVariant(value));
 }
 
 void XDataBase::setCell(int32_t column, const QString& value)
 {
-    field(CaptionOfField(column)).setValue(textValue(value));
+    field(CaptionOfField(column)).setValue(rt::stringVariant(value));
 }
 
 bool XDataBase::AddValue(const QString& fieldName, int32_t row, const QString& value)
 {
-    const auto error = host::trapError([&] {
+    const auto error = rt::trapError([&] {
         reopenIfClosed();
         recordset_->MoveFirst();
         recordset_->Move(rowOffset(row));
-        field(fieldName).setValue(textValue(value));
+        field(fieldName).setValue(rt::stringVariant(value));
         recordset_->UpdateBatch(adAffectAll);
     });
     if (!error)
         return true;
-    ui::UiServices::current().messageBox(QStringLiteral("Error of editing!"), ui::vbOKOnly | ui::vbCritical);
+    rt::UiServices::current().messageBox(QStringLiteral("Error of editing!"), rt::vbOKOnly | rt::vbCritical);
     return false;
 }
 
 bool XDataBase::AddNewLine()
 {
-    return !host::trapError([&] {
+    return !rt::trapError([&] {
         recordset_->AddNew();
         recordset_->Fields()[0].setValue(jet::Variant::longValue(recordset_->RecordCount()));
         recordset_->Update();
@@ -66,13 +62,13 @@ bool XDataBase::AddNewLine()
 
 bool XDataBase::DeleteRecord(int32_t row)
 {
-    ui::UiServices& services = ui::UiServices::current();
-    const auto error = host::trapError([&] {
+    rt::UiServices& services = rt::UiServices::current();
+    const auto error = rt::trapError([&] {
         reopenIfClosed();
         recordset_->MoveFirst();
         // Shown before every deletion, whatever row goes; a Null shows as an empty box.
         const jet::Variant first = recordset_->Fields()[0].Value();
-        services.messageBox(first.isNull() ? QString() : QString::fromStdString(first.toString()), ui::vbOKOnly);
+        services.messageBox(rt::concatenationText(first), rt::vbOKOnly);
         recordset_->Move(rowOffset(row));
         recordset_->Delete(adAffectCurrent);
         recordset_->MoveFirst();
@@ -80,14 +76,14 @@ bool XDataBase::DeleteRecord(int32_t row)
     });
     if (!error)
         return true;
-    services.messageBox(host::descriptionOf(*error), ui::vbCritical, QStringLiteral("Number:") + QString::number(error->number()));
+    services.messageBox(rt::descriptionOf(*error), rt::vbCritical, QStringLiteral("Number:") + QString::number(error->number()));
     return false;
 }
 
 bool XDataBase::alterCurrentTable(const QString& change)
 {
     closeRecordset();
-    lastAlterError_ = host::trapError([&] {
+    lastAlterError_ = rt::trapError([&] {
         execute(QStringLiteral("ALTER TABLE ") + currentTable_ + change);
         reopenRecordset();
     });

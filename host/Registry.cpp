@@ -6,7 +6,7 @@
 #include <QFile>
 #include <QSaveFile>
 
-#include "host/VbError.h"
+#include "rt/VbError.h"
 
 namespace host {
 
@@ -78,18 +78,18 @@ void Registry::write(RegistryRoot root, const QString& keyPath, const QString& v
     RootFile& file = refreshed(root);
     // Writing over a file we could not read would throw away whatever it holds.
     if (!file.readable)
-        throw vbError(vberr::PathFileAccessError,
-                      QStringLiteral("The settings file %1 cannot be read, so it is not written").arg(path));
+        throw rt::vbError(rt::vberr::PathFileAccessError,
+                          QStringLiteral("The settings file %1 cannot be read, so it is not written").arg(path));
     IniDocument updated = file.document;
     if (!updated.setValue(keyPath, valueName, value))
         return;
     if (!QDir().mkpath(folder_))
-        throw vbError(vberr::PathFileAccessError,
-                      QStringLiteral("The settings folder %1 cannot be created").arg(folder_));
+        throw rt::vbError(rt::vberr::PathFileAccessError,
+                          QStringLiteral("The settings folder %1 cannot be created").arg(folder_));
     QSaveFile out(path);
     if (!out.open(QIODevice::WriteOnly) || out.write(updated.serialize()) < 0 || !out.commit())
-        throw vbError(vberr::PathFileAccessError,
-                      QStringLiteral("The settings file %1 cannot be written: %2").arg(path, out.errorString()));
+        throw rt::vbError(rt::vberr::PathFileAccessError,
+                          QStringLiteral("The settings file %1 cannot be written: %2").arg(path, out.errorString()));
     file.document = std::move(updated);
     file.stamp = stampOf(path);
 }

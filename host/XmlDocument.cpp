@@ -1,8 +1,8 @@
 #include "host/XmlDocument.h"
 
-#include "host/AnsiCodePage.h"
-#include "host/VbError.h"
-#include "host/WholeFile.h"
+#include "rt/AnsiCodePage.h"
+#include "rt/VbError.h"
+#include "rt/WholeFile.h"
 #include "jet/RuntimeError.h"
 
 namespace host {
@@ -222,7 +222,7 @@ bool XmlDocument::load(const QString& path)
 {
     clear();
     try {
-        return loadBytes(readWholeFile(path));
+        return loadBytes(rt::readWholeFile(path));
     } catch (const jet::RuntimeError&) {
         return false;
     }
@@ -231,9 +231,9 @@ bool XmlDocument::load(const QString& path)
 bool XmlDocument::loadBytes(const QByteArray& bytes)
 {
     clear();
-    if (bytes.size() > kMaxWholeFileSize)
+    if (bytes.size() > rt::kMaxWholeFileSize)
         return false;
-    text_ = AnsiCodePage::current().decode(bytes);
+    text_ = rt::AnsiCodePage::current().decode(bytes);
     if (!parse()) {
         clear();
         return false;
@@ -278,7 +278,7 @@ XmlElement XmlDocument::checkedElement(const std::vector<int32_t>& list, int32_t
                                        int32_t index) const
 {
     if (index < 1 || index > count)
-        throw vbError(vberr::SubscriptOutOfRange);
+        throw rt::vbError(rt::vberr::SubscriptOutOfRange);
     return XmlElement(this, list[size_t(first + index - 1)]);
 }
 

@@ -1,6 +1,6 @@
 #include "lang/CaptionList.h"
 
-#include "host/VbError.h"
+#include "rt/VbError.h"
 
 namespace lang {
 
@@ -9,7 +9,7 @@ void CaptionList::Add(const QString& text, const QString& key)
     if (!key.isEmpty()) {
         const QString folded = key.toCaseFolded();
         if (keys_.contains(folded))
-            throw host::vbError(host::vberr::DuplicateKey);
+            throw rt::vbError(rt::vberr::DuplicateKey);
         keys_.insert(folded);
     }
     entries_.push_back(Entry{text, key});
@@ -18,7 +18,7 @@ void CaptionList::Add(const QString& text, const QString& key)
 const CaptionList::Entry& CaptionList::at(int32_t index) const
 {
     if (index < 1 || index > Count())
-        throw host::vbError(host::vberr::SubscriptOutOfRange);
+        throw rt::vbError(rt::vberr::SubscriptOutOfRange);
     return entries_[static_cast<size_t>(index - 1)];
 }
 

@@ -2,14 +2,14 @@
 
 #include <limits>
 
-#include "host/VbError.h"
+#include "rt/VbError.h"
 
 namespace lang {
 
 int32_t ClassIDGenerator::next()
 {
     if (last_ == std::numeric_limits<int32_t>::max())
-        throw host::vbError(host::vberr::Overflow);
+        throw rt::vbError(rt::vberr::Overflow);
     return ++last_;
 }
 

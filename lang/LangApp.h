@@ -7,10 +7,10 @@
 #include <memory>
 #include <QString>
 
-#include "host/CreatedOnFirstUse.h"
 #include "lang/CaptionList.h"
 #include "lang/StatisticLangItem.h"
 #include "lang/TableLangItem.h"
+#include "rt/CreatedOnFirstUse.h"
 
 namespace lang {
 
@@ -38,12 +38,12 @@ public:
     void setOutCaption(const QString& v) { outCaption_ = v; }
 
 private:
-    host::CreatedOnFirstUse<StatisticLangItem> statistic_;
-    host::CreatedOnFirstUse<CaptionList> transUnitFrame_;
-    host::CreatedOnFirstUse<CaptionList> addTarifMessages_;
-    host::CreatedOnFirstUse<TableLangItem> table_;
-    host::CreatedOnFirstUse<CaptionList> numberType_;
-    host::CreatedOnFirstUse<CaptionList> buttons_;
+    rt::CreatedOnFirstUse<StatisticLangItem> statistic_;
+    rt::CreatedOnFirstUse<CaptionList> transUnitFrame_;
+    rt::CreatedOnFirstUse<CaptionList> addTarifMessages_;
+    rt::CreatedOnFirstUse<TableLangItem> table_;
+    rt::CreatedOnFirstUse<CaptionList> numberType_;
+    rt::CreatedOnFirstUse<CaptionList> buttons_;
     int16_t version_ = 0;
     QString engCaption_;
     QString outCaption_;

@@ -2,15 +2,15 @@
 
 #include <functional>
 
-#include "host/HostPath.h"
 #include "host/Registry.h"
 #include "host/RegistryKeys.h"
-#include "host/TextLineReader.h"
-#include "host/VbConvert.h"
-#include "host/VbError.h"
 #include "lang/LangApp.h"
 #include "lang/StringHelpers.h"
-#include "ui/UiServices.h"
+#include "rt/HostPath.h"
+#include "rt/TextLineReader.h"
+#include "rt/UiServices.h"
+#include "rt/VbConvert.h"
+#include "rt/VbError.h"
 
 namespace lang {
 
@@ -31,13 +31,13 @@ QString mid(const QString& text, int32_t start)
 int16_t plusOne(int16_t position)
 {
     if (position == INT16_MAX)
-        throw host::vbError(host::vberr::Overflow);
+        throw rt::vbError(rt::vberr::Overflow);
     return static_cast<int16_t>(position + 1);
 }
 
 class Parser {
 public:
-    Parser(host::TextLineReader& in, LangApp& lang) : in_(in), lang_(lang) {}
+    Parser(rt::TextLineReader& in, LangApp& lang) : in_(in), lang_(lang) {}
 
     QString next() { return in_.readLine(); }
 
@@ -173,13 +173,13 @@ public:
     }
 
 private:
-    host::TextLineReader& in_;
+    rt::TextLineReader& in_;
     LangApp& lang_;
 };
 
 }  // namespace
 
-LanguageTableLoader::LanguageTableLoader(LangApp& lang, host::Registry& registry, ui::UiServices& ui)
+LanguageTableLoader::LanguageTableLoader(LangApp& lang, host::Registry& registry, rt::UiServices& ui)
     : lang_(lang), registry_(registry), ui_(ui)
 {
 }
@@ -188,22 +188,22 @@ bool LanguageTableLoader::load(const QString& fileName)
 {
     const QString folder = registry_.read(host::HKEY_LOCAL_MACHINE, host::keys::Languages, QString());
     const QString path = folder + u'\\' + fileName;
-    const std::unique_ptr<host::TextLineReader> in = host::TextLineReader::openFile(host::localPath(path));
+    const std::unique_ptr<rt::TextLineReader> in = rt::TextLineReader::openFile(rt::localPath(path));
     return loadFrom(*in, path);
 }
 
-bool LanguageTableLoader::loadFrom(host::TextLineReader& in, const QString& shownPath)
+bool LanguageTableLoader::loadFrom(rt::TextLineReader& in, const QString& shownPath)
 {
     Parser parser(in, lang_);
     if (parser.next() != kBanner) {
         ui_.messageBox(QStringLiteral("This file ( ") + shownPath + QStringLiteral(" )\r\ndon't language file"),
-                       ui::vbExclamation, QStringLiteral("Error loading file"));
+                       rt::vbExclamation, QStringLiteral("Error loading file"));
         return false;
     }
     try {
         // Any number up to 1 is taken, 0 and negative ones too.
-        if (host::Val(parser.headerValue(QStringLiteral("Version="))) > 1.0) {
-            ui_.messageBox(QStringLiteral("Don't right version language table for Vorbex Pro"), ui::vbExclamation,
+        if (rt::Val(parser.headerValue(QStringLiteral("Version="))) > 1.0) {
+            ui_.messageBox(QStringLiteral("Don't right version language table for Vorbex Pro"), rt::vbExclamation,
                            QStringLiteral("Error!"));
             return false;
         }
@@ -212,7 +212,7 @@ bool LanguageTableLoader::loadFrom(host::TextLineReader& in, const QString& show
         parser.headerValue(QStringLiteral("HelpFile="));
         parser.body();
     } catch (const StructuralError&) {
-        ui_.messageBox(QStringLiteral("Language Table for Vorbex Pro errors!!"), ui::vbExclamation,
+        ui_.messageBox(QStringLiteral("Language Table for Vorbex Pro errors!!"), rt::vbExclamation,
                        QStringLiteral("Errors!!"));
     }
     return false;

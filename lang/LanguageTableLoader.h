@@ -13,12 +13,11 @@
 
 namespace host {
 class Registry;
-class TextLineReader;
-}  // namespace host
-
-namespace ui {
-class UiServices;
 }
+namespace rt {
+class TextLineReader;
+class UiServices;
+}  // namespace rt
 
 namespace lang {
 
@@ -26,7 +25,7 @@ class LangApp;
 
 class LanguageTableLoader {
 public:
-    LanguageTableLoader(LangApp& lang, host::Registry& registry, ui::UiServices& ui);
+    LanguageTableLoader(LangApp& lang, host::Registry& registry, rt::UiServices& ui);
 
     // Loads the named file from the language folder the registry names (HKEY_LOCAL_MACHINE,
     // "Software\Vorbex\Settings\Languages", default value). Always returns false: success
@@ -34,12 +33,12 @@ public:
     bool load(const QString& fileName);
 
     // Loads from an opened file; `shownPath` is the path the messages name.
-    bool loadFrom(host::TextLineReader& in, const QString& shownPath);
+    bool loadFrom(rt::TextLineReader& in, const QString& shownPath);
 
 private:
     LangApp& lang_;
     host::Registry& registry_;
-    ui::UiServices& ui_;
+    rt::UiServices& ui_;
 };
 
 }  // namespace lang

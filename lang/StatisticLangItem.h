@@ -5,9 +5,9 @@
 #include <cstdint>
 #include <memory>
 
-#include "host/CreatedOnFirstUse.h"
 #include "lang/CaptionList.h"
 #include "lang/MenuCaptions.h"
+#include "rt/CreatedOnFirstUse.h"
 
 namespace lang {
 
@@ -32,11 +32,11 @@ public:
     int32_t ClassDebugID() const { return classDebugId_; }
 
 private:
-    host::CreatedOnFirstUse<CaptionList> builderTable_;
-    host::CreatedOnFirstUse<CaptionList> graphPlot_;
-    host::CreatedOnFirstUse<CaptionList> main_;
-    host::CreatedOnFirstUse<CaptionList> toolBar_;
-    host::CreatedOnFirstUse<MenuCaptions> menu_;
+    rt::CreatedOnFirstUse<CaptionList> builderTable_;
+    rt::CreatedOnFirstUse<CaptionList> graphPlot_;
+    rt::CreatedOnFirstUse<CaptionList> main_;
+    rt::CreatedOnFirstUse<CaptionList> toolBar_;
+    rt::CreatedOnFirstUse<MenuCaptions> menu_;
     int32_t classDebugId_;
 };
 

@@ -2,10 +2,10 @@
 
 #include <algorithm>
 
-#include "host/AnsiCodePage.h"
 #include "host/HostDiagnostics.h"
-#include "host/VbError.h"
-#include "host/VbStrings.h"
+#include "rt/AnsiCodePage.h"
+#include "rt/VbError.h"
+#include "rt/VbStrings.h"
 
 namespace lang {
 
@@ -16,7 +16,7 @@ namespace {
 int16_t toPosition(qsizetype value)
 {
     if (value > INT16_MAX)
-        throw host::vbError(host::vberr::Overflow);
+        throw rt::vbError(rt::vberr::Overflow);
     return static_cast<int16_t>(value);
 }
 
@@ -35,12 +35,12 @@ QString GetToken(const QString& text, int16_t& position, const QString& delimite
     if (count == 0)
         count = 1;
     gTokenAtEnd = false;
-    const host::AnsiCodePage& codePage = host::AnsiCodePage::current();
+    const rt::AnsiCodePage& codePage = rt::AnsiCodePage::current();
     const QByteArray bytes = codePage.encode(text);
     const qsizetype length = bytes.size();
     qsizetype index = static_cast<qsizetype>(position) - 1;
     if (index < 0 || index >= length)
-        throw host::vbError(host::vberr::SubscriptOutOfRange);
+        throw rt::vbError(rt::vberr::SubscriptOutOfRange);
     // A delimiter the code page cannot hold matches no byte, as comparing strings would.
     const int delimiterByte = delimiter.size() == 1 ? codePage.toByte(delimiter[0]) : -1;
 
@@ -113,12 +113,12 @@ QString ToPoint(QString& value)
 {
     try {
         host::HostDiagnostics::current().trace(QStringLiteral("Function: ToPoint(") + value + u')');
-        QString result = host::Trim(value);
+        QString result = rt::Trim(value);
         result.replace(u',', u'.');
         value = result;
         return result;
     } catch (const jet::RuntimeError& error) {
-        host::HostDiagnostics::current().reportError(error.number(), host::descriptionOf(error),
+        host::HostDiagnostics::current().reportError(error.number(), rt::descriptionOf(error),
                                                      QStringLiteral("ToPoint"), QStringLiteral("global"),
                                                      QStringLiteral("Functions"));
         return QString();

@@ -4,10 +4,10 @@
 
 #include <memory>
 
-#include "host/CreatedOnFirstUse.h"
 #include "lang/CaptionList.h"
 #include "lang/MenuCaptions.h"
 #include "lang/ToolbarCaptions.h"
+#include "rt/CreatedOnFirstUse.h"
 
 namespace lang {
 
@@ -29,13 +29,13 @@ public:
     void setMenu(std::shared_ptr<MenuCaptions> v) { menu_.set(std::move(v)); }
 
 private:
-    host::CreatedOnFirstUse<CaptionList> newDataBase_;
-    host::CreatedOnFirstUse<CaptionList> login_;
-    host::CreatedOnFirstUse<CaptionList> addField_;
-    host::CreatedOnFirstUse<CaptionList> common_;
-    host::CreatedOnFirstUse<CaptionList> tableOptions_;
-    host::CreatedOnFirstUse<ToolbarCaptions> toolBar_;
-    host::CreatedOnFirstUse<MenuCaptions> menu_;
+    rt::CreatedOnFirstUse<CaptionList> newDataBase_;
+    rt::CreatedOnFirstUse<CaptionList> login_;
+    rt::CreatedOnFirstUse<CaptionList> addField_;
+    rt::CreatedOnFirstUse<CaptionList> common_;
+    rt::CreatedOnFirstUse<CaptionList> tableOptions_;
+    rt::CreatedOnFirstUse<ToolbarCaptions> toolBar_;
+    rt::CreatedOnFirstUse<MenuCaptions> menu_;
 };
 
 }  // namespace lang

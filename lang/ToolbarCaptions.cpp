@@ -1,20 +1,20 @@
 #include "lang/ToolbarCaptions.h"
 
-#include "host/VbError.h"
+#include "rt/VbError.h"
 
 namespace lang {
 
 void ToolbarCaptions::SetSize(int32_t count)
 {
     if (count < 0)
-        throw host::vbError(host::vberr::SubscriptOutOfRange);
+        throw rt::vbError(rt::vberr::SubscriptOutOfRange);
     entries_.resize(static_cast<size_t>(count) + 1);
 }
 
 size_t ToolbarCaptions::slot(int32_t index) const
 {
     if (index < 0 || index > Count())
-        throw host::vbError(host::vberr::SubscriptOutOfRange);
+        throw rt::vbError(rt::vberr::SubscriptOutOfRange);
     return static_cast<size_t>(index);
 }
 
@@ -24,7 +24,7 @@ void ToolbarCaptions::SetItem(const QString& key, int32_t index, const QString& 
     if (!key.isEmpty()) {
         for (size_t i = 0; i < entries_.size(); ++i)
             if (i != at && entries_[i].key.compare(key, Qt::CaseInsensitive) == 0)
-                throw host::vbError(host::vberr::DuplicateKey);
+                throw rt::vbError(rt::vberr::DuplicateKey);
     }
     entries_[at] = Entry{key, text};
 }

@@ -8,11 +8,11 @@
 #include <QFileInfo>
 
 #include "engine/XDataBase.h"
-#include "host/NumberedFiles.h"
+#include "rt/TextFiles.h"
 #include "host/Registry.h"
-#include "host/VbError.h"
+#include "rt/VbError.h"
 #include "lang/LangApp.h"
-#include "ui/UiServices.h"
+#include "rt/UiServices.h"
 
 namespace sheetwright::cli {
 
@@ -22,12 +22,12 @@ namespace {
 // error the command ends with; of the questions only the one that cannot change the
 // outcome is answered (the number of the HTML table to read: every number reads the
 // first).
-class HeadlessUi : public ui::UiServices {
+class HeadlessUi : public rt::UiServices {
 public:
     int32_t messageBox(const QString& prompt, int32_t /*style*/, const QString& /*title*/) override
     {
         messages << prompt;
-        return ui::vbOK;
+        return rt::vbOK;
     }
     QString inputBox(const QString& prompt, const QString& title, const QString& defaultText) override
     {
@@ -35,25 +35,27 @@ public:
             return defaultText;
         throw std::runtime_error("nobody to answer: " + prompt.toStdString());
     }
-    ui::FileDialogResult openFileDialog(const ui::FileDialogRequest&) override { throw unavailable(); }
-    ui::FileDialogResult saveFileDialog(const ui::FileDialogRequest&) override { throw unavailable(); }
+    rt::FileDialogResult openFileDialog(const rt::FileDialogRequest&) override { throw unavailable(); }
+    rt::FileDialogResult saveFileDialog(const rt::FileDialogRequest&) override { throw unavailable(); }
     void setClipboardText(const QString&) override { throw unavailable(); }
     QString clipboardText() override { throw unavailable(); }
-    void showModalForm(const QString& formName, const QString&) override
-    {
-        throw std::runtime_error("no window can be shown here (" + formName.toStdString() + ")");
-    }
+    void showModalForm(const QString& formName, const QString&) override { throw noWindow(formName); }
+    void showForm(const QString& formName) override { throw noWindow(formName); }
 
     QStringList messages;
 
 private:
     static std::runtime_error unavailable() { return std::runtime_error("not available without a display"); }
+    static std::runtime_error noWindow(const QString& formName)
+    {
+        return std::runtime_error("no window can be shown here (" + formName.toStdString() + ")");
+    }
 };
 
 class UiScope {
 public:
-    explicit UiScope(ui::UiServices& services) { ui::UiServices::install(&services); }
-    ~UiScope() { ui::UiServices::install(nullptr); }
+    explicit UiScope(rt::UiServices& services) { rt::UiServices::install(&services); }
+    ~UiScope() { rt::UiServices::install(nullptr); }
 };
 
 // The engine on one database, as the program opens it (no login).
@@ -138,7 +140,7 @@ int exportTableFile(const std::vector<std::string>& args)
         db.SaveTableXML(out);
     else
         db.SaveTableHTML(out);
-    host::NumberedFiles::program().CloseAll();
+    rt::TextFiles::program().CloseAll();
     return 0;
 }
 

@@ -5,7 +5,7 @@
 #include <QComboBox>
 #include <QLineEdit>
 
-#include "host/VbError.h"
+#include "rt/VbError.h"
 
 namespace ui {
 
@@ -22,7 +22,7 @@ QWidget* topLevelNamed(const QString& name)
 
 jet::RuntimeError noSuchControl(const QDialog* dialog, const QString& kind, const QString& control)
 {
-    return host::vbError(host::vberr::InvalidProcedureCall, QStringLiteral("The form '%1' has no %2 named '%3'.")
+    return rt::vbError(rt::vberr::InvalidProcedureCall, QStringLiteral("The form '%1' has no %2 named '%3'.")
                                                                 .arg(dialog->objectName(), kind, control));
 }
 

@@ -10,11 +10,11 @@
 #include <QPointer>
 #include <QDialog>
 
-#include "ui/ModalForm.h"
+#include "rt/ModalForm.h"
 
 namespace ui {
 
-class DialogForm : public ModalForm {
+class DialogForm : public rt::ModalForm {
 public:
     explicit DialogForm(QDialog* dialog);
     ~DialogForm() override;
@@ -30,7 +30,7 @@ public:
     template <typename T>
     static void registerDialog(const QString& name)
     {
-        registerModalForm(name, [] { return std::make_unique<DialogForm>(new T); });
+        rt::registerModalForm(name, [] { return std::make_unique<DialogForm>(new T); });
     }
 
 private:

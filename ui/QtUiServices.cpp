@@ -7,8 +7,8 @@
 #include <QMessageBox>
 #include <QPushButton>
 
+#include "rt/ModalForm.h"
 #include "ui/FileFilter.h"
-#include "ui/ModalForm.h"
 
 namespace ui {
 
@@ -17,12 +17,12 @@ namespace {
 QMessageBox::StandardButton standardButtonOf(int32_t answer)
 {
     switch (answer) {
-    case vbOK: return QMessageBox::Ok;
-    case vbCancel: return QMessageBox::Cancel;
-    case vbAbort: return QMessageBox::Abort;
-    case vbRetry: return QMessageBox::Retry;
-    case vbIgnore: return QMessageBox::Ignore;
-    case vbYes: return QMessageBox::Yes;
+    case rt::vbOK: return QMessageBox::Ok;
+    case rt::vbCancel: return QMessageBox::Cancel;
+    case rt::vbAbort: return QMessageBox::Abort;
+    case rt::vbRetry: return QMessageBox::Retry;
+    case rt::vbIgnore: return QMessageBox::Ignore;
+    case rt::vbYes: return QMessageBox::Yes;
     default: return QMessageBox::No;
     }
 }
@@ -30,20 +30,20 @@ QMessageBox::StandardButton standardButtonOf(int32_t answer)
 QMessageBox::Icon iconOf(int32_t icon)
 {
     switch (icon) {
-    case vbCritical: return QMessageBox::Critical;
-    case vbQuestion: return QMessageBox::Question;
-    case vbExclamation: return QMessageBox::Warning;
-    case vbInformation: return QMessageBox::Information;
+    case rt::vbCritical: return QMessageBox::Critical;
+    case rt::vbQuestion: return QMessageBox::Question;
+    case rt::vbExclamation: return QMessageBox::Warning;
+    case rt::vbInformation: return QMessageBox::Information;
     default: return QMessageBox::NoIcon;
     }
 }
 
 QString titleOr(const QString& title)
 {
-    return title.isEmpty() ? programTitle() : title;
+    return title.isEmpty() ? rt::programTitle() : title;
 }
 
-FileDialogResult runFileDialog(const FileDialogRequest& request, QFileDialog::AcceptMode mode)
+rt::FileDialogResult runFileDialog(const rt::FileDialogRequest& request, QFileDialog::AcceptMode mode)
 {
     QFileDialog dialog(QApplication::activeWindow(), titleOr(request.title), request.initialFolder);
     dialog.setAcceptMode(mode);
@@ -65,14 +65,14 @@ FileDialogResult runFileDialog(const FileDialogRequest& request, QFileDialog::Ac
     for (qsizetype i = 0; i < filters.size() && index == 0; ++i)
         if (filters[i] == chosen || filters[i].left(filters[i].lastIndexOf(QStringLiteral(" ("))) == chosen)
             index = static_cast<int32_t>(i + 1);
-    return FileDialogResult{dialog.selectedFiles().constFirst(), index};
+    return rt::FileDialogResult{dialog.selectedFiles().constFirst(), index};
 }
 
 }  // namespace
 
 int32_t QtUiServices::messageBox(const QString& prompt, int32_t style, const QString& title)
 {
-    const MessageBoxStyle decoded = MessageBoxStyle::decode(style);
+    const rt::MessageBoxStyle decoded = rt::MessageBoxStyle::decode(style);
     QMessageBox box(iconOf(decoded.icon), titleOr(title), prompt, QMessageBox::NoButton, QApplication::activeWindow());
     const QList<int32_t> answers = decoded.answers();
     for (const int32_t answer : answers)
@@ -97,12 +97,12 @@ QString QtUiServices::inputBox(const QString& prompt, const QString& title, cons
     return dialog.exec() == QDialog::Accepted ? dialog.textValue() : QString();
 }
 
-FileDialogResult QtUiServices::openFileDialog(const FileDialogRequest& request)
+rt::FileDialogResult QtUiServices::openFileDialog(const rt::FileDialogRequest& request)
 {
     return runFileDialog(request, QFileDialog::AcceptOpen);
 }
 
-FileDialogResult QtUiServices::saveFileDialog(const FileDialogRequest& request)
+rt::FileDialogResult QtUiServices::saveFileDialog(const rt::FileDialogRequest& request)
 {
     return runFileDialog(request, QFileDialog::AcceptSave);
 }
@@ -119,7 +119,24 @@ QString QtUiServices::clipboardText()
 
 void QtUiServices::showModalForm(const QString& formName, const QString& ownerName)
 {
-    createModalForm(formName)->showModal(ownerName);
+    rt::createModalForm(formName)->showModal(ownerName);
+}
+
+void QtUiServices::showForm(const QString& formName)
+{
+    auto made = windows_.find(formName);
+    if (made == windows_.end()) {
+        const auto factory = factories_.find(formName);
+        if (factory == factories_.end())
+            throw rt::noFormNamed(formName);
+        made = windows_.emplace(formName, factory->second()).first;
+    }
+    made->second->show();
+}
+
+void QtUiServices::addForm(const QString& formName, WindowFactory factory)
+{
+    factories_[formName] = std::move(factory);
 }
 
 }  // namespace ui

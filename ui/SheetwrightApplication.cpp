@@ -1,7 +1,7 @@
 #include "ui/SheetwrightApplication.h"
 
-#include "ui/TopLevelHandler.h"
-#include "ui/UiServices.h"
+#include "rt/TopLevelHandler.h"
+#include "rt/UiServices.h"
 
 namespace ui {
 
@@ -9,13 +9,13 @@ SheetwrightApplication::SheetwrightApplication(int& argc, char** argv) : QApplic
 {
     // No display name: Qt would append it to every window caption, and the captions are
     // the language table's.
-    setApplicationName(programTitle());
+    setApplicationName(rt::programTitle());
 }
 
 bool SheetwrightApplication::notify(QObject* receiver, QEvent* event)
 {
     bool handled = false;
-    runHandled([&] { handled = QApplication::notify(receiver, event); });
+    rt::runHandled([&] { handled = QApplication::notify(receiver, event); });
     return handled;
 }
 

@@ -10,8 +10,8 @@
 // the whole string for each one.
 
 #include "engine/XDataBase.h"
-#include "host/VbError.h"
-#include "host/VbStrings.h"
+#include "rt/VbError.h"
+#include "rt/VbStrings.h"
 
 namespace engine {
 
@@ -32,7 +32,7 @@ QString removeTagPairs(const QString& text)
         const qsizetype c = text.indexOf(u'<', b);
         const qsizetype d = c < 0 ? -1 : text.indexOf(u'>', c);
         if (d < 0)
-            throw host::vbError(host::vberr::InvalidProcedureCall,
+            throw rt::vbError(rt::vberr::InvalidProcedureCall,
                                 QStringLiteral("Invalid procedure call or argument: a tag without its pair in the cell "
                                                "text \"%1\"").arg(text.left(200)));
         out += QStringView(text).mid(pos, a - pos);
@@ -88,7 +88,7 @@ QString XDataBase::CleanCellText(const QString& text)
     QString cell = removeTagPairs(text);
     cell.removeIf(isRemovedControl);
     // Only blanks are trimmed; then every pair of blanks goes, so three leave one.
-    cell = host::Trim(cell);
+    cell = rt::Trim(cell);
     cell.replace(QStringLiteral("  "), QString());
     return resolveEntities(cell);
 }

@@ -5,7 +5,7 @@
 #include <array>
 
 #include "engine/XDataBase.h"
-#include "host/VbConvert.h"
+#include "rt/VbConvert.h"
 
 namespace engine {
 
@@ -68,16 +68,16 @@ QString XDataBase::DecodeHtmlEntity(const QString& name)
         return QString();
     for (size_t i = 0; i < kLatin1Names.size(); ++i)
         if (lower == QLatin1String(kLatin1Names[i]))
-            return host::Chr(160 + int32_t(i));
+            return rt::Chr(160 + int32_t(i));
     for (const Letter& letter : kLetters)
         if (lower == QLatin1String(letter.name))
-            return host::Chr(name == lower ? letter.small : letter.capital);
+            return rt::Chr(name == lower ? letter.small : letter.capital);
     for (const Single& single : kSingles)
         if (lower == QLatin1String(single.name))
-            return host::Chr(single.code);
+            return rt::Chr(single.code);
     const QString number = name.startsWith(u'#') ? name.mid(1) : name;
-    if (host::IsNumeric(number))
-        return host::Chr(host::CLng(host::Val(number)));
+    if (rt::IsNumeric(number))
+        return rt::Chr(rt::CLng(rt::Val(number)));
     return QString();
 }
 

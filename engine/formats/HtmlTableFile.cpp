@@ -5,13 +5,13 @@
 
 #include "engine/XDataBase.h"
 #include "engine/formats/ImportedRows.h"
-#include "host/AnsiCodePage.h"
-#include "host/NumberedFiles.h"
-#include "host/VbConvert.h"
-#include "host/VbError.h"
-#include "host/WholeFile.h"
+#include "rt/AnsiCodePage.h"
+#include "rt/TextFiles.h"
+#include "rt/VbConvert.h"
+#include "rt/VbError.h"
+#include "rt/WholeFile.h"
 #include "jet/Recordset.h"
-#include "ui/UiServices.h"
+#include "rt/UiServices.h"
 
 namespace engine {
 
@@ -50,7 +50,7 @@ public:
     qsizetype size() const { return bytes_.size(); }
     QString text(qsizetype from, qsizetype to) const
     {
-        return host::AnsiCodePage::current().decode(QByteArrayView(bytes_).sliced(from, to - from));
+        return rt::AnsiCodePage::current().decode(QByteArrayView(bytes_).sliced(from, to - from));
     }
 
 private:
@@ -74,24 +74,24 @@ qsizetype chosenTable(const PageText& page, qsizetype count)
     int32_t number = 1;
     if (count > 1) {
         const QString n = QString::number(count);
-        const QString answer = ui::UiServices::current().inputBox(
+        const QString answer = rt::UiServices::current().inputBox(
             QStringLiteral("В данном HTML-файле найдено несколько( ") + n +
                 QStringLiteral(" ) таблиц. Какую из них хотите загрузить: Введите номер таблицы (от 1 до ") + n +
                 QStringLiteral(" )"),
             QStringLiteral("Введите номер таблицы"), QStringLiteral("1"));
-        number = host::CLng(host::Val(answer));
+        number = rt::CLng(rt::Val(answer));
         if (number > count)
             number = int32_t(count);
     }
     qsizetype start = page.find("<table", 0);
-    for (int16_t i = 1; i != number; i = host::CInt(double(i) + 1))
+    for (int16_t i = 1; i != number; i = rt::CInt(double(i) + 1))
         start = page.find("<table", start);
     return start;
 }
 
 jet::RuntimeError noColumnNames(const QString& fileName)
 {
-    return host::vbError(host::vberr::InvalidProcedureCall,
+    return rt::vbError(rt::vberr::InvalidProcedureCall,
                          QStringLiteral("Invalid procedure call or argument: the first row of the table in '%1' has "
                                         "no <td> cell to name a column")
                              .arg(fileName));
@@ -101,9 +101,9 @@ jet::RuntimeError noColumnNames(const QString& fileName)
 
 bool XDataBase::SaveTableHTML(const QString& fileName)
 {
-    host::NumberedFiles& files = host::NumberedFiles::program();
+    rt::TextFiles& files = rt::TextFiles::program();
     const int16_t number = files.FreeFile();
-    files.OpenForOutput(number, fileName);
+    files.Open(fileName, rt::TextFiles::Mode::Output, number);
     files.PrintLine(number, pageHead(fileName));
 
     // The text of the cell before: an empty or Null cell repeats it, encoded once more.
@@ -142,7 +142,7 @@ bool XDataBase::SaveTableHTML(const QString& fileName)
 bool XDataBase::ImportHtmlTable(const QString& fileName)
 {
     QString name = TableNameOfFile(fileName);
-    const PageText page(host::readWholeFile(fileName));
+    const PageText page(rt::readWholeFile(fileName));
     const qsizetype tables = countTables(page);
     if (tables == 0)
         return false;

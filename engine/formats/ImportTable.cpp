@@ -4,11 +4,11 @@
 #include <memory>
 
 #include "engine/XDataBase.h"
-#include "host/ErrorTrap.h"
-#include "host/StringList.h"
+#include "rt/ErrorTrap.h"
+#include "rt/StringList.h"
 #include "jet/Recordset.h"
 #include "lang/LangApp.h"
-#include "ui/UiServices.h"
+#include "rt/UiServices.h"
 
 namespace engine {
 
@@ -25,7 +25,7 @@ QString XDataBase::AvoidNameClash(QString name)
         if (position == 0 || position >= Tables().Count())
             return name;
         // A cancelled box answers "", which is taken as the name like any other.
-        name = ui::UiServices::current().inputBox(
+        name = rt::UiServices::current().inputBox(
             lang::captionOr(common, 18, QStringLiteral("The database already has a table with this name. Enter another name:")),
             lang::captionOr(common, 17, QStringLiteral("Table name")), name);
     }
@@ -36,14 +36,14 @@ std::optional<jet::RuntimeError> XDataBase::CreateImportTable(const QString& tab
 {
     queryText_ = QStringLiteral("CREATE TABLE ") + table + QStringLiteral(" (") + column + QStringLiteral(" ") + type +
                  QStringLiteral(")");
-    std::optional<jet::RuntimeError> failed = host::trapError([&] { execute(queryText_); });
+    std::optional<jet::RuntimeError> failed = rt::trapError([&] { execute(queryText_); });
     replaceRecordset();
     // A table that could not be created (its name taken, a name Jet refuses) leaves the
     // fresh record set closed: opening it on that name could find another table of the
     // same name, and the rows meant for the new table would go into it.
     if (failed)
         return failed;
-    host::resumeNext({[&] {
+    rt::resumeNext({[&] {
         queryText_ = QStringLiteral("SELECT * FROM ") + table;
         openQuery(adOpenForwardOnly, adLockBatchOptimistic);
     }});
@@ -62,7 +62,7 @@ void XDataBase::addImportedColumn(const QString& name)
 void XDataBase::AdoptImportedTable(const QString& name, const QStringList& columns)
 {
     Tables().Add(name);
-    auto list = std::make_shared<host::StringList>();
+    auto list = std::make_shared<rt::StringList>();
     for (const QString& column : columns)
         list->Add(column);
     setColumns(std::move(list));

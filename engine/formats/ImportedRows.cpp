@@ -1,6 +1,6 @@
 #include "engine/formats/ImportedRows.h"
 
-#include "host/ErrorTrap.h"
+#include "rt/ErrorTrap.h"
 #include "jet/Recordset.h"
 
 namespace engine {
@@ -8,7 +8,7 @@ namespace engine {
 ImportedRows::~ImportedRows()
 {
     if (unsent_ > 0)
-        host::resumeNext({[&] { recordset_->UpdateBatch(); }});
+        rt::resumeNext({[&] { recordset_->UpdateBatch(); }});
 }
 
 void ImportedRows::fill(const std::function<void()>& fillRow)
@@ -16,7 +16,7 @@ void ImportedRows::fill(const std::function<void()>& fillRow)
     try {
         fillRow();
     } catch (...) {
-        host::resumeNext({[&] { recordset_->CancelUpdate(); }});
+        rt::resumeNext({[&] { recordset_->CancelUpdate(); }});
         throw;
     }
     if (++unsent_ >= kGroup)

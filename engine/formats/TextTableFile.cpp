@@ -3,11 +3,11 @@
 
 #include "engine/XDataBase.h"
 #include "engine/formats/ImportedRows.h"
-#include "host/NumberedFiles.h"
-#include "host/TextLineReader.h"
-#include "host/VbConvert.h"
-#include "host/VbError.h"
-#include "host/VbStrings.h"
+#include "rt/TextFiles.h"
+#include "rt/TextLineReader.h"
+#include "rt/VbConvert.h"
+#include "rt/VbError.h"
+#include "rt/VbStrings.h"
 #include "jet/Recordset.h"
 
 namespace engine {
@@ -24,10 +24,10 @@ void cutLastSeparator(QString& line, const QString& separator)
 
 bool XDataBase::SaveTable(const QString& fileName, const QString& separator)
 {
-    host::NumberedFiles& files = host::NumberedFiles::program();
+    rt::TextFiles& files = rt::TextFiles::program();
     const int16_t number = files.FreeFile();
     files.CloseAll();
-    files.OpenForOutput(number, fileName);
+    files.Open(fileName, rt::TextFiles::Mode::Output, number);
 
     QString line;
     for (int32_t c = 1; c <= fieldCount(); ++c)
@@ -50,7 +50,7 @@ bool XDataBase::SaveTable(const QString& fileName, const QString& separator)
         files.PrintLine(number, line);
         // r * 10 is a 16-bit product: the 3277th record overflows, so a text save holds
         // 3276 records at most.
-        saveProgress_ = host::CInt(double(r) * 10) / double(count);
+        saveProgress_ = rt::CInt(double(r) * 10) / double(count);
         if (r < recordset_->RecordCount())
             recordset_->MoveNext();
     }
@@ -61,13 +61,13 @@ bool XDataBase::SaveTable(const QString& fileName, const QString& separator)
 bool XDataBase::ImportTextTable(const QString& fileName, const QString& separator)
 {
     QString name = withoutReservedWord(TableNameOfFile(fileName));
-    const std::unique_ptr<host::TextLineReader> in = host::TextLineReader::openFile(fileName);
+    const std::unique_ptr<rt::TextLineReader> in = rt::TextLineReader::openFile(fileName);
     if (in->atEnd())
-        throw host::vbError(host::vberr::InputPastEndOfFile,
+        throw rt::vbError(rt::vberr::InputPastEndOfFile,
                             QStringLiteral("Input past end of file: '%1' is empty, it has no line of column names")
                                 .arg(fileName));
 
-    const QStringList columns = host::Split(in->readLine(), separator);
+    const QStringList columns = rt::Split(in->readLine(), separator);
     QString definitions;
     for (const QString& column : columns)
         definitions += column + QStringLiteral(" TEXT") + QStringLiteral(",");
@@ -82,11 +82,11 @@ bool XDataBase::ImportTextTable(const QString& fileName, const QString& separato
 
     ImportedRows rows(recordset_);
     for (int32_t lineNumber = 2; !in->atEnd(); ++lineNumber) {
-        const QStringList fields = host::Split(in->readLine(), separator);
+        const QStringList fields = rt::Split(in->readLine(), separator);
         // Refused before the row is begun, so the rows stored so far stay and no half
         // row is left pending in the record set.
         if (fields.size() > fieldCount())
-            throw host::vbError(host::vberr::SubscriptOutOfRange,
+            throw rt::vbError(rt::vberr::SubscriptOutOfRange,
                                 QStringLiteral("Subscript out of range: line %1 of '%2' has %3 fields, but the table "
                                                "%4 has %5 columns")
                                     .arg(lineNumber).arg(fileName).arg(fields.size()).arg(name).arg(fieldCount()));

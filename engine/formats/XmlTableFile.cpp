@@ -13,13 +13,13 @@
 
 #include "engine/XDataBase.h"
 #include "engine/formats/ImportedRows.h"
-#include "host/ErrorTrap.h"
-#include "host/NumberedFiles.h"
-#include "host/VbError.h"
-#include "host/VbStrings.h"
+#include "rt/ErrorTrap.h"
+#include "rt/TextFiles.h"
+#include "rt/VbError.h"
+#include "rt/VbStrings.h"
 #include "host/XmlDocument.h"
 #include "jet/Recordset.h"
-#include "ui/UiServices.h"
+#include "rt/UiServices.h"
 
 namespace engine {
 
@@ -63,7 +63,7 @@ QString XDataBase::ChooseSeparator()
         if (!occurs[i])
             return QString(QChar(kSeparators[i]));
     // No fallback: values that hold every candidate cannot be written in this format.
-    throw host::vbError(host::vberr::SubscriptOutOfRange,
+    throw rt::vbError(rt::vberr::SubscriptOutOfRange,
                         QStringLiteral("Subscript out of range: the values hold every separator the XML table "
                                        "format can use"));
 }
@@ -73,10 +73,10 @@ bool XDataBase::SaveTableXML(const QString& fileName)
     const QString declaration = QStringLiteral("<?xml version=|1.0|?>").replace(kQuoteMark, kQuote);
     const QString separator = ChooseSeparator();
 
-    host::NumberedFiles& files = host::NumberedFiles::program();
+    rt::TextFiles& files = rt::TextFiles::program();
     files.CloseAll();
     const int16_t number = files.FreeFile();
-    files.OpenForOutput(number, fileName);
+    files.Open(fileName, rt::TextFiles::Mode::Output, number);
 
     QString names;
     for (int32_t c = 1; c <= fieldCount(); ++c)
@@ -113,7 +113,7 @@ bool XDataBase::SaveTableXML(const QString& fileName)
 bool XDataBase::ImportXmlTable(const QString& fileName)
 {
     bool imported = false;
-    const auto error = host::trapError([&] {
+    const auto error = rt::trapError([&] {
         QString name = TableNameOfFile(fileName);
         host::XmlDocument& document = xmlDocument_.get();
         if (!document.load(fileName))
@@ -125,9 +125,9 @@ bool XDataBase::ImportXmlTable(const QString& fileName)
         if (!columnsElement)
             return;
         const QStringList columns =
-            host::Split(columnsElement->attribute(QStringLiteral("text")), columnsElement->attribute(QStringLiteral("sep")));
+            rt::Split(columnsElement->attribute(QStringLiteral("text")), columnsElement->attribute(QStringLiteral("sep")));
         if (columns.isEmpty())
-            throw host::vbError(host::vberr::SubscriptOutOfRange,
+            throw rt::vbError(rt::vberr::SubscriptOutOfRange,
                                 QStringLiteral("Subscript out of range: the XML table names no column"));
 
         name = AvoidNameClash(name);
@@ -149,7 +149,7 @@ bool XDataBase::ImportXmlTable(const QString& fileName)
             recordset_->AddNew();
             rows.fill([&] {
                 const QStringList values =
-                    host::Split(line.attribute(QStringLiteral("text")), line.attribute(QStringLiteral("sep")));
+                    rt::Split(line.attribute(QStringLiteral("text")), line.attribute(QStringLiteral("sep")));
                 for (qsizetype k = 0; k < values.size(); ++k)
                     setCell(int32_t(k + 1), values[k]);
             });
@@ -159,7 +159,7 @@ bool XDataBase::ImportXmlTable(const QString& fileName)
         imported = true;
     });
     if (error)
-        ui::UiServices::current().messageBox(QStringLiteral("Error of opening table XML!"), ui::vbCritical,
+        rt::UiServices::current().messageBox(QStringLiteral("Error of opening table XML!"), rt::vbCritical,
                                              QStringLiteral("Error!"));
     return imported && !error;
 }

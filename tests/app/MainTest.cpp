@@ -26,11 +26,12 @@ protected:
     QString start()
     {
         shown.clear();
-        Main([&] {
+        program.fake.whenFormShown("frmTable", [&] {
             shown = QStringLiteral("%1 box(es) before, caption '%2'")
                         .arg(program.fake.boxes().size())
                         .arg(lang::captionOr(gLang().Table().Common(), 1, QString()));
         });
+        Main();
         return shown;
     }
 

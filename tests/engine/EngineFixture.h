@@ -98,7 +98,7 @@ protected:
     }
 
     FreshProgram program;
-    ui::ScriptedUiServices& fake = program.fake;
+    rt::ScriptedUiServices& fake = program.fake;
     QStringList connectionStrings;
     QStringList sql;
     QString file;  // the copy openCopy opened

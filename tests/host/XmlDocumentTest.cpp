@@ -9,7 +9,7 @@
 
 #include "../support/TestSupport.h"
 
-#include "host/WholeFile.h"
+#include "rt/WholeFile.h"
 #include "host/XmlDocument.h"
 
 using host::XmlDocument;
@@ -155,11 +155,11 @@ TEST(XmlDocument, FilesThatCannotBeReadDoNotLoad)
     // Larger than a file read at once may be: refused before it is read (the file is
     // sparse, so this costs no disk).
     QFile huge(dir.path() + "/huge.xml");
-    ASSERT_TRUE(huge.open(QIODevice::WriteOnly) && huge.resize(host::kMaxWholeFileSize + 1));
+    ASSERT_TRUE(huge.open(QIODevice::WriteOnly) && huge.resize(rt::kMaxWholeFileSize + 1));
     huge.close();
     EXPECT_FALSE(doc.load(huge.fileName()));
-    EXPECT_EQ(runTimeErrorOf([&] { host::readWholeFile(huge.fileName()); }), 7);
-    EXPECT_EQ(runTimeErrorOf([&] { host::readWholeFile(dir.path() + "/missing.xml"); }), 53);
-    EXPECT_EQ(runTimeErrorOf([&] { host::readWholeFile(dir.path() + "/no/such/folder.xml"); }), 76);
-    EXPECT_EQ(runTimeErrorOf([&] { host::readWholeFile(dir.path()); }), 75);
+    EXPECT_EQ(runTimeErrorOf([&] { rt::readWholeFile(huge.fileName()); }), 7);
+    EXPECT_EQ(runTimeErrorOf([&] { rt::readWholeFile(dir.path() + "/missing.xml"); }), 53);
+    EXPECT_EQ(runTimeErrorOf([&] { rt::readWholeFile(dir.path() + "/no/such/folder.xml"); }), 76);
+    EXPECT_EQ(runTimeErrorOf([&] { rt::readWholeFile(dir.path()); }), 75);
 }

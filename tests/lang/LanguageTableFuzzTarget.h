@@ -7,15 +7,15 @@
 
 #include "../support/TestSupport.h"
 
+#include "../support/ScriptedUiServices.h"
 #include "host/Registry.h"
 #include "lang/LangApp.h"
 #include "lang/LanguageTableLoader.h"
-#include "ui/ScriptedUiServices.h"
 
 inline void loadUntrustedLanguageTable(QByteArrayView bytes)
 {
     lang::LangApp lang;
-    ui::ScriptedUiServices fake;
+    rt::ScriptedUiServices fake;
     host::Registry unused(QStringLiteral("/nonexistent"));
     // The loader lets run-time errors through on purpose; the program shows them.
     runTimeErrorOf([&] { lang::LanguageTableLoader(lang, unused, fake).loadFrom(*readerOf(bytes.toByteArray()), "x"); });

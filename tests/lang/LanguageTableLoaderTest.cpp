@@ -46,7 +46,7 @@ protected:
 
     QTemporaryDir dir;
     LangApp lang;
-    ui::ScriptedUiServices fake;
+    rt::ScriptedUiServices fake;
 };
 
 }  // namespace

@@ -6,8 +6,8 @@
 
 #include "../support/TestSupport.h"
 
-#include "host/AnsiCodePage.h"
 #include "lang/LangApp.h"
+#include "rt/AnsiCodePage.h"
 
 inline QStringList smallLanguageTable()
 {
@@ -30,7 +30,7 @@ inline QStringList smallLanguageTable()
 
 inline QByteArray tableBytes(const QStringList& lines, const char* lineEnd = "\r\n")
 {
-    return host::AnsiCodePage::current().encode(lines.join(QString::fromLatin1(lineEnd)) + QString::fromLatin1(lineEnd));
+    return rt::AnsiCodePage::current().encode(lines.join(QString::fromLatin1(lineEnd)) + QString::fromLatin1(lineEnd));
 }
 
 // The number of captions in each destination, in the order the file fills them.

@@ -6,9 +6,9 @@
 #include "../support/TestSupport.h"
 #include "LanguageTableText.h"
 
+#include "../support/ScriptedUiServices.h"
 #include "host/Registry.h"
 #include "lang/LanguageTableLoader.h"
-#include "ui/ScriptedUiServices.h"
 
 using namespace lang;
 
@@ -19,7 +19,7 @@ const QString kFolder = QStringLiteral(SHEETWRIGHT_SOURCE_DIR "/share/languages/
 // How the table loaded: what was shown, the counts, and the keys of menus and toolbars.
 QString shapeOf(const char* name, LangApp& lang)
 {
-    ui::ScriptedUiServices fake;
+    rt::ScriptedUiServices fake;
     host::Registry unused(QStringLiteral("/nonexistent"));
     LanguageTableLoader(lang, unused, fake).loadFrom(*readerOf(readFile(kFolder + name)), name);
     QStringList shape{QString::number(fake.boxes().size()) + " box(es)", captionCounts(lang)};

@@ -5,8 +5,8 @@
 #include "../support/TestSupport.h"
 
 #include "host/HostDiagnostics.h"
-#include "host/VbError.h"
 #include "lang/StringHelpers.h"
+#include "rt/VbError.h"
 
 using namespace lang;
 
@@ -70,7 +70,7 @@ TEST(ToPoint, TrimsSpacesMakesCommasPointsAndHandsTraceAndErrorsToTheHost)
         {
             log << text;
             if (failTrace)
-                throw host::vbError(host::vberr::ObjectNotSet);
+                throw rt::vbError(rt::vberr::ObjectNotSet);
         }
         void reportError(int32_t number, const QString&, const QString& procedure, const QString& scope,
                          const QString& component) override

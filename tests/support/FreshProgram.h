@@ -7,9 +7,9 @@
 #include <QDir>
 #include <QTemporaryDir>
 
+#include "ScriptedUiServices.h"
 #include "TestSupport.h"
 #include "app/ModMain.h"
-#include "ui/ScriptedUiServices.h"
 
 class FreshProgram {
 public:
@@ -30,6 +30,6 @@ public:
     const std::optional<QByteArray> savedRegistry =
         qEnvironmentVariableIsSet("SHEETWRIGHT_REGISTRY") ? std::optional(qgetenv("SHEETWRIGHT_REGISTRY")) : std::nullopt;
     QTemporaryDir dir;
-    ui::ScriptedUiServices fake;
-    ui::UiServicesScope use{fake};
+    rt::ScriptedUiServices fake;
+    rt::UiServicesScope use{fake};
 };

@@ -4,12 +4,12 @@
 
 #include <QStringList>
 
-#include "ui/ScriptedUiServices.h"
+#include "ScriptedUiServices.h"
 
-inline QStringList shownBoxes(const ui::ScriptedUiServices& fake)
+inline QStringList shownBoxes(const rt::ScriptedUiServices& fake)
 {
     QStringList shown;
-    for (const ui::RecordedBox& box : fake.boxes())
+    for (const rt::RecordedBox& box : fake.boxes())
         shown << box.title + u'|' + QString::number(box.style) + u'|' + box.prompt;
     return shown;
 }

@@ -6,7 +6,7 @@
 #include "engine/XDataBase.h"
 #include "host/Registry.h"
 #include "lang/LangApp.h"
-#include "ui/ScriptedUiServices.h"
+#include "ScriptedUiServices.h"
 
 struct StandaloneEngine {
     host::Registry registry{host::Registry::defaultFolder()};
@@ -15,7 +15,7 @@ struct StandaloneEngine {
     QString user;
     QString password;
     lang::LangApp captions;
-    ui::ScriptedUiServices fake;
-    ui::UiServicesScope use{fake};
+    rt::ScriptedUiServices fake;
+    rt::UiServicesScope use{fake};
     engine::XDataBase db{registry, engine::LoginGlobals{useLogin, user, password, accepted}, captions};
 };

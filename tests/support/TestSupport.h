@@ -12,8 +12,8 @@
 #include <QFile>
 #include <QString>
 
-#include "host/TextLineReader.h"
 #include "jet/RuntimeError.h"
+#include "rt/TextLineReader.h"
 
 inline void PrintTo(const QString& text, std::ostream* os)
 {
@@ -46,10 +46,10 @@ inline QByteArray readFile(const QString& path)
 }
 
 // Sequential input over bytes held in memory, read as the program reads a file.
-inline std::unique_ptr<host::TextLineReader> readerOf(const QByteArray& bytes)
+inline std::unique_ptr<rt::TextLineReader> readerOf(const QByteArray& bytes)
 {
     auto buffer = std::make_unique<QBuffer>();
     buffer->setData(bytes);
     buffer->open(QIODevice::ReadOnly);
-    return std::make_unique<host::TextLineReader>(std::move(buffer));
+    return std::make_unique<rt::TextLineReader>(std::move(buffer));
 }

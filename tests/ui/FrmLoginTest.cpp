@@ -19,6 +19,7 @@
 #include "ui/dialogs/frmLogin.h"
 
 using namespace ui;
+using namespace rt;
 
 namespace {
 

@@ -16,6 +16,7 @@
 #include "ui/QtUiServices.h"
 
 using namespace ui;
+using namespace rt;
 
 namespace {
 
@@ -101,4 +102,23 @@ TEST(QtUiServices, FileDialogsUseTitleAndFiltersAndReportTheChosenFilter)
     EXPECT_TRUE(services.saveFileDialog({"Save", "XML (*.xml)|*.xml", dir.path(), "xml", 1}).fileName.isEmpty());
     services.setClipboardText(QString::fromUtf8("3.14;Привет"));
     EXPECT_EQ(services.clipboardText(), QString::fromUtf8("3.14;Привет"));
+}
+
+TEST(QtUiServices, AWindowIsMadeWhenFirstShownAndShownAgainAfterThat)
+{
+    QtUiServices services;
+    int made = 0;
+    QWidget* window = nullptr;
+    services.addForm("frmMain", [&] {
+        ++made;
+        auto widget = std::make_unique<QWidget>();
+        window = widget.get();
+        return widget;
+    });
+    services.showForm("frmMain");
+    ASSERT_TRUE(window != nullptr && window->isVisible());
+    window->hide();
+    services.showForm("frmMain");
+    EXPECT_TRUE(made == 1 && window->isVisible());
+    EXPECT_EQ(runTimeErrorOf([&] { services.showForm("frmNowhere"); }), 5);
 }

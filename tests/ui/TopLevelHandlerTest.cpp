@@ -12,10 +12,10 @@
 #include "../support/ShownBoxes.h"
 #include "../support/TestSupport.h"
 
-#include "host/VbError.h"
-#include "ui/TopLevelHandler.h"
+#include "rt/TopLevelHandler.h"
+#include "rt/VbError.h"
 
-using namespace ui;
+using namespace rt;
 
 namespace {
 
@@ -24,7 +24,7 @@ public:
     bool event(QEvent* e) override
     {
         if (e->type() == QEvent::User)
-            throw host::vbError(host::vberr::SubscriptOutOfRange);
+            throw rt::vbError(rt::vberr::SubscriptOutOfRange);
         ++handled;
         return true;
     }
@@ -37,7 +37,7 @@ TEST(TopLevelHandler, AnEscapedErrorIsShownInTheRunTimeErrorBoxAndTheProgramGoes
 {
     ScriptedUiServices fake;
     UiServicesScope use(fake);
-    EXPECT_FALSE(runHandled([] { throw host::vbError(host::vberr::InputPastEndOfFile); }));
+    EXPECT_FALSE(runHandled([] { throw rt::vbError(rt::vberr::InputPastEndOfFile); }));
     EXPECT_FALSE(runHandled([] { throw jet::RuntimeError(-2147467259, "Unrecognized database format 'x.mdb'."); }));
     EXPECT_FALSE(runHandled([] { throw jet::RuntimeError(75, "Путь"); }));
     // Whatever else escapes counts as a run-time error too.
@@ -55,7 +55,7 @@ TEST(TopLevelHandler, AnEscapedErrorIsShownInTheRunTimeErrorBoxAndTheProgramGoes
     // Without any UI the box goes to standard error instead.
     UiServices::install(nullptr);
     testing::internal::CaptureStderr();
-    EXPECT_FALSE(runHandled([] { throw host::vbError(5); }));
+    EXPECT_FALSE(runHandled([] { throw rt::vbError(5); }));
     EXPECT_NE(testing::internal::GetCapturedStderr().find("Run-time error '5'"), std::string::npos);
 }
 

@@ -4,11 +4,11 @@
 #include <memory>
 
 #include "app/ModMain.h"
-#include "host/SystemLocale.h"
 #include "jet/Locale.h"
+#include "rt/SystemLocale.h"
+#include "rt/TopLevelHandler.h"
 #include "ui/QtUiServices.h"
 #include "ui/SheetwrightApplication.h"
-#include "ui/TopLevelHandler.h"
 #include "ui/dialogs/Dialogs.h"
 #include "ui/main/frmTable.h"
 
@@ -16,19 +16,14 @@ int main(int argc, char** argv)
 {
     ui::SheetwrightApplication application(argc, argv);
     ui::QtUiServices services;
-    ui::UiServices::install(&services);
+    services.addForm(QStringLiteral("frmTable"), [] { return std::make_unique<ui::frmTable>(); });
+    rt::UiServices::install(&services);
     ui::registerDialogs();
     // Numbers and dates the engine turns into text follow the user's regional settings.
-    jet::Locale::setCurrent(host::jetLocaleOf(QLocale::system()));
+    jet::Locale::setCurrent(rt::jetLocaleOf(QLocale::system()));
 
-    std::unique_ptr<ui::frmTable> mainForm;
     // An error before the window is shown ends the program after the run-time error box.
-    const bool started = ui::runHandled([&] {
-        app::Main([&] {
-            mainForm = std::make_unique<ui::frmTable>();
-            mainForm->show();
-        });
-    });
+    const bool started = rt::runHandled([] { app::Main(); });
     if (!started)
         return 1;
     return application.exec();

@@ -8,7 +8,7 @@
 
 #include "../EngineFixture.h"
 
-#include "host/NumberedFiles.h"
+#include "rt/TextFiles.h"
 #include "jet/Connection.h"
 #include "jet/NewDatabase.h"
 #include "jet/Recordset.h"
@@ -20,8 +20,17 @@ class FormatsFixture : public EngineFixture {
 protected:
     void TearDown() override
     {
-        host::NumberedFiles::program().CloseAll();
+        rt::TextFiles::program().CloseAll();
         EngineFixture::TearDown();
+    }
+
+    // How many of the program's numbered files are open.
+    static int openFiles()
+    {
+        int open = 0;
+        for (int16_t n = 1; n <= 511; ++n)
+            open += rt::TextFiles::program().isOpen(n) ? 1 : 0;
+        return open;
     }
 
     // A new Access 2000 database holding one table, made by the statement and filled with

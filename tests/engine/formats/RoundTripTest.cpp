@@ -4,7 +4,7 @@
 
 #include "FormatsFixture.h"
 
-#include "host/AnsiCodePage.h"
+#include "rt/AnsiCodePage.h"
 
 namespace {
 
@@ -16,7 +16,7 @@ struct CorpusTable {
 // Every cell as the ANSI code page holds it; Null and empty alike.
 QStringList asWritten(QStringList records)
 {
-    const host::AnsiCodePage& ansi = host::AnsiCodePage::current();
+    const rt::AnsiCodePage& ansi = rt::AnsiCodePage::current();
     for (QString& record : records)
         record = ansi.decode(ansi.encode(record.replace("<Null>", "")));
     return records;

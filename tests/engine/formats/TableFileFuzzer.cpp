@@ -18,7 +18,7 @@
 #include "../../support/StandaloneEngine.h"
 #include "../../support/TestSupport.h"
 
-#include "host/NumberedFiles.h"
+#include "rt/TextFiles.h"
 #include "jet/Checker.h"
 #include "jet/Connection.h"
 #include "jet/NewDatabase.h"
@@ -85,7 +85,7 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size)
         runTimeErrorOf([&] { standalone.db.OpenTable(setting.input); });
         if (standalone.fake.messageBoxes().size() > 1 || standalone.fake.boxes().size() > 2)
             std::abort();
-        host::NumberedFiles::program().CloseAll();
+        rt::TextFiles::program().CloseAll();
     }
     if (!jet::check(setting.work.toStdString()).clean() || ownRows(setting.work) != kOwnRows)
         std::abort();

@@ -4,7 +4,7 @@
 
 #include "FormatsFixture.h"
 
-#include "host/AnsiCodePage.h"
+#include "rt/AnsiCodePage.h"
 #include "lang/LangApp.h"
 
 namespace {
@@ -12,7 +12,7 @@ namespace {
 // Lines ended by CR LF, in the program's code page.
 QByteArray lines(const QStringList& text)
 {
-    return host::AnsiCodePage::current().encode(text.join("\r\n") + "\r\n");
+    return rt::AnsiCodePage::current().encode(text.join("\r\n") + "\r\n");
 }
 
 // Table names as a set: the catalogue lists them in its own order.
@@ -299,7 +299,7 @@ TEST_F(TableReadersTest, HtmlAlwaysReadsTheFirstTableWhateverNumberIsChosen)
 TEST_F(TableReadersTest, HtmlReadsTdCellsOnlyCleansThemAndAddsOneEmptyRecordAtTheEnd)
 {
     openCopy("testV2000.mdb");  // Jet 4: Cyrillic text fits
-    const QString file = tableFile("page.htm", host::AnsiCodePage::current().encode(QString::fromUtf8(
+    const QString file = tableFile("page.htm", rt::AnsiCodePage::current().encode(QString::fromUtf8(
         "<p>before</p><table width=\"100%\">\r\n"
         "<tr><th>skipped</th><td><b>Name</b></td><TD class=\"x\">Price</TD></tr>\r\n"
         "<tr><td>  <i>Caf&eacute;</i>   au&nbsp;lait </td><td>3&#44;50 &quot;ok&quot;</td></tr>\r\n"

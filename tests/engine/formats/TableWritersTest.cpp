@@ -33,7 +33,7 @@ TEST_F(TableWritersTest, TextHasNoQuotingAndAnEmptyCellGivesUpItsSeparator)
     EXPECT_EQ(readFile(out), QByteArray("Name<->Age<->Note\r\n30<->a<b>|c\r\nTom & Jerry<->say \"hi\"\r\n\xa8\xe6 ?<->7\r\n"));
     EXPECT_TRUE(db().SaveTable(out, ""));
     EXPECT_EQ(readFile(out), QByteArray("NameAgeNote\r\n30a<b>|c\r\nTom & Jerrysay \"hi\"\r\n\xa8\xe6 ?7\r\n"));
-    EXPECT_EQ(host::NumberedFiles::program().openCount(), 0);
+    EXPECT_EQ(openFiles(), 0);
 }
 
 TEST_F(TableWritersTest, XmlPutsEveryRowInOneAttributeWithRawValues)
@@ -50,7 +50,7 @@ TEST_F(TableWritersTest, XmlPutsEveryRowInOneAttributeWithRawValues)
                                         "<line sep=\"\t\" text=\"\xa8\xe6 ?\t7\t\"/>\r\n"
                                         "</data>\r\n"
                                         "</table>\r\n"));
-    EXPECT_EQ(host::NumberedFiles::program().openCount(), 0);
+    EXPECT_EQ(openFiles(), 0);
 }
 
 TEST_F(TableWritersTest, XmlSeparatorIsTheFirstCandidateNoValueHolds)
@@ -105,7 +105,7 @@ TEST_F(TableWritersTest, HtmlEncodesEveryCellAndAnEmptyCellRepeatsTheOneBefore)
               "<td>say&nbsp;&quot;hi&quot;</td></tr>\r\n\r\n"
               "<tr><td>\xa8\xe6&nbsp;?</td><td>7</td><td>7</td></tr>\r\n\r\n"
               "</table>\r\n</center>\r\n</BODY>\r\n</HTML>\r\n");
-    EXPECT_EQ(host::NumberedFiles::program().openCount(), 0);
+    EXPECT_EQ(openFiles(), 0);
 }
 
 TEST_F(TableWritersTest, ATextSaveOverflowsAtRecord3277AndItsFileStaysOpenUntilTheNextCloseAll)
@@ -116,10 +116,10 @@ TEST_F(TableWritersTest, ATextSaveOverflowsAtRecord3277AndItsFileStaysOpenUntilT
     openNewTable("Numbers", "CREATE TABLE Numbers (N TEXT)", rows);
     const QString out = path("numbers.txt");
     EXPECT_EQ(runTimeErrorOf([&] { db().SaveTable(out, ","); }), 6);
-    EXPECT_EQ(host::NumberedFiles::program().openCount(), 1);
+    EXPECT_EQ(openFiles(), 1);
     // The next writer closes it, and the lines written so far come out: the 3277th too.
     EXPECT_TRUE(db().SaveTableXML(path("numbers.xml")));
-    EXPECT_EQ(host::NumberedFiles::program().openCount(), 0);
+    EXPECT_EQ(openFiles(), 0);
     const QByteArray partial = readFile(out);
     EXPECT_EQ(partial.count("\r\n"), 3278);
     EXPECT_TRUE(partial.endsWith("\r\n3276\r\n3277\r\n"));
@@ -139,7 +139,7 @@ TEST_F(TableWritersTest, FailuresReachTheCallerAndLeaveNoFileOpen)
     EXPECT_EQ(runTimeErrorOf([&] { db().SaveTableHTML(path("no/p.htm")); }), 76);
     // A full disk shows when the buffered lines go out.
     EXPECT_EQ(runTimeErrorOf([&] { db().SaveTable("/dev/full", ";"); }), 61);
-    EXPECT_EQ(host::NumberedFiles::program().openCount(), 0);
+    EXPECT_EQ(openFiles(), 0);
 
     // An empty table has no first record to move to.
     openNewTable("Empty", "CREATE TABLE Empty (A TEXT)", {}, "empty.mdb");

@@ -52,7 +52,7 @@ engine::XDataBase& gDataBase()
 {
     if (!gDataBaseObject)
         gDataBaseObject = std::make_unique<engine::XDataBase>(
-            gRegistry(), engine::LoginGlobals{gUseLogin, gLoginUser, gLoginPassword, gLoginAccepted});
+            gRegistry(), engine::LoginGlobals{gUseLogin, gLoginUser, gLoginPassword, gLoginAccepted}, gLang());
     return *gDataBaseObject;
 }
 

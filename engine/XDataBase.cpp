@@ -36,8 +36,8 @@ std::vector<jet::Variant> userTablesOnly()
 
 }  // namespace
 
-XDataBase::XDataBase(host::Registry& registry, LoginGlobals login, QObject* parent)
-    : QObject(parent), login_(login), library_(std::make_unique<host::FunctionLibrary>(registry))
+XDataBase::XDataBase(host::Registry& registry, LoginGlobals login, const lang::LangApp& captions, QObject* parent)
+    : QObject(parent), login_(login), captions_(captions), library_(std::make_unique<host::FunctionLibrary>(registry))
 {
     databaseFolder_ = registry.read(host::HKEY_LOCAL_MACHINE, host::keys::Database, QString());
     recordset_ = std::make_shared<jet::Recordset>();
@@ -198,8 +198,7 @@ bool XDataBase::CreateTable(const QString& name)
 {
     return !rt::trapError([&] {
         ++createdTableCount_;
-        // Jet reserves the word; only this spelling is changed.
-        const QString table = name == QStringLiteral("table") ? QStringLiteral("table0") : name;
+        const QString table = withoutReservedWord(name);
         dataMembers_.append(table);
         queryText_ = QStringLiteral("CREATE TABLE ") + table + QStringLiteral(" (__custom INTEGER);");
         execute(queryText_);
@@ -212,6 +211,12 @@ bool XDataBase::CreateTable(const QString& name)
         recordset_->Update();
         Columns().Add(QStringLiteral("__custom"));
     });
+}
+
+QString XDataBase::withoutReservedWord(const QString& name)
+{
+    // Jet reserves the word; only this spelling is changed.
+    return name == u"table" ? QStringLiteral("table0") : name;
 }
 
 bool XDataBase::DeleteTable(const QString& name)

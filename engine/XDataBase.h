@@ -15,12 +15,14 @@
 #include <cstdint>
 #include <functional>
 #include <memory>
+#include <optional>
 #include <QObject>
 #include <QString>
 #include <QStringList>
 
 #include "rt/CreatedOnFirstUse.h"
 #include "rt/StringList.h"
+#include "jet/RuntimeError.h"
 
 namespace jet {
 class Connection;
@@ -31,7 +33,11 @@ class Variant;
 namespace host {
 class FunctionLibrary;
 class Registry;
+class XmlDocument;
 }  // namespace host
+namespace lang {
+class LangApp;
+}
 
 namespace engine {
 
@@ -50,8 +56,9 @@ class XDataBase : public QObject {
     Q_OBJECT
 public:
     // Reads the database folder (where the template "empty97.mdb" lies) from the
-    // registry and initialises the function library.
-    XDataBase(host::Registry& registry, LoginGlobals login, QObject* parent = nullptr);
+    // registry and initialises the function library. The captions are the main window's
+    // (gLang), for the questions the table-file readers ask.
+    XDataBase(host::Registry& registry, LoginGlobals login, const lang::LangApp& captions, QObject* parent = nullptr);
     ~XDataBase() override;
 
     // ---- Connection and catalogue
@@ -159,6 +166,39 @@ public:
     bool DeleteField(const QString& name);
     bool ReNameField(const QString& oldName, const QString& newName, const QString& unused);
 
+    // ---- Table files
+
+    // The current record set as separated text: a header of column names, then one line
+    // per record, fields joined by the separator with no quoting. An empty or Null cell
+    // adds nothing, not even its separator, so the values after it move one column left.
+    // Traps nothing: the 3277th record overflows the progress arithmetic (error 6).
+    bool SaveTable(const QString& fileName, const QString& separator);
+    // The current record set in the program's XML dialect, every row in one attribute
+    // joined by a separator that no value contains (ChooseSeparator). Traps nothing;
+    // subscript out of range (9) when values contain all twenty candidates.
+    bool SaveTableXML(const QString& fileName);
+    // The current record set as an HTML page; an empty or Null cell repeats the text of
+    // the cell before it. The result is never set: always False.
+    bool SaveTableHTML(const QString& fileName);
+    // Imports a table file as a new table by its extension: ".txt" as comma-separated
+    // text, ".htm", ".html", ".shtm", ".shtml" as HTML, ".xml" in the XML dialect, anything
+    // else as text separated by DefaultSeparator. True and AddedTable set when the table
+    // was created and filled; the record set is then open on it.
+    bool OpenTable(const QString& fileName);
+
+    // The name of the table OpenTable makes of the file, before it asks for another one
+    // because the database has a table of that name.
+    static QString ImportedTableName(const QString& fileName);
+
+    // "&", "<", ">", the double quote and the blank as HTML entities.
+    static QString EncodeHtmlEntities(const QString& text);
+    // The character an entity name (without "&" and ";") stands for, "" for one not known.
+    static QString DecodeHtmlEntity(const QString& name);
+    // The value of a cell from the raw text between its start tag and "</td>": tag pairs
+    // and control characters removed, blanks trimmed and double blanks dropped, entities
+    // decoded.
+    static QString CleanCellText(const QString& text);
+
     // ---- What the rest of the program and the tests look at
 
     host::FunctionLibrary& functionLibrary() const { return *library_; }
@@ -178,6 +218,7 @@ signals:
     void SqlSent(const QString& sql);
 
 private:
+    static constexpr int32_t adOpenForwardOnly = 0;
     static constexpr int32_t adOpenDynamic = 2;
     static constexpr int32_t adLockBatchOptimistic = 4;
 
@@ -195,7 +236,7 @@ private:
     bool recordsetOpen() const;
     void execute(const QString& sql);
     // Closes the record set, runs "ALTER TABLE <current table>" + change and opens the
-    // record set again; False on an error.
+    // record set again; False on an error, which is kept in lastAlterError_.
     bool alterCurrentTable(const QString& change);
     jet::Field field(const QString& name) const;
     // Walks the column on a read-only record set, keeping the first value no later one is
@@ -203,7 +244,36 @@ private:
     QString scanColumn(const QString& fieldName,
                        const std::function<bool(const jet::Variant& value, const QString& best)>& better);
 
+    // The table-file readers and what they share (engine/formats).
+    bool ImportTextTable(const QString& fileName, const QString& separator);
+    bool ImportXmlTable(const QString& fileName);
+    bool ImportHtmlTable(const QString& fileName);
+    QString ChooseSeparator();
+    // Creates the table with its first column and opens a new record set on it. Returns
+    // the error of a table that could not be created (the record set is then left closed);
+    // an error in opening it shows when the record set is next used.
+    std::optional<jet::RuntimeError> CreateImportTable(const QString& table, const QString& column, const QString& type);
+    // The file's name without folder and extension ("prices" for "/a/b/prices.xml").
+    static QString TableNameOfFile(const QString& fileName);
+    // "table", a reserved word, as "table0".
+    static QString withoutReservedWord(const QString& name);
+    // Asks for another name while the name is in Tables before its last position.
+    QString AvoidNameClash(QString name);
+    // AddField(name, "TEXT") for a column after the first, raising what kept it from being
+    // added: the values meant for it would otherwise go into the next column, or find the
+    // record set closed.
+    void addImportedColumn(const QString& name);
+    // Makes the imported table the current one by name: in Tables, with its columns.
+    void AdoptImportedTable(const QString& name, const QStringList& columns);
+    // The text of the current record's cell in the 1-based column, as the writers take
+    // it: "" for Null.
+    QString cellText(int32_t column);
+    int32_t fieldCount() const;
+    // Writes the text into the field named CaptionOfField(column) of the current record.
+    void setCell(int32_t column, const QString& value);
+
     LoginGlobals login_;
+    const lang::LangApp& captions_;
     QString databaseFolder_;
     std::unique_ptr<host::FunctionLibrary> library_;
     std::shared_ptr<jet::Connection> connection_;
@@ -213,13 +283,17 @@ private:
     QString currentTable_;
     int32_t createdTableCount_ = 0;
     bool columnsChanged_ = false;
+    std::optional<jet::RuntimeError> lastAlterError_;
     rt::CreatedOnFirstUse<rt::StringList> tables_;
     rt::CreatedOnFirstUse<rt::StringList> columns_;
     QString newTableName_;
     QString addedTable_;
     QString defaultSeparator_;
     int32_t indexOfCalculate_ = 0;
+    // Set after each record of a text save; computed in 16-bit arithmetic.
+    double saveProgress_ = 0;
     QStringList dataMembers_;
+    rt::CreatedOnFirstUse<host::XmlDocument> xmlDocument_;
 };
 
 }  // namespace engine

@@ -92,4 +92,14 @@ QString XDataBase::CaptionOfField(int32_t index)
 
 void XDataBase::setCaptionOfField(int32_t /*index*/, const QString& /*text*/) {}
 
+int32_t XDataBase::fieldCount() const
+{
+    return recordset_->Fields().Count();
+}
+
+QString XDataBase::cellText(int32_t column)
+{
+    return rt::concatenationText(field(CaptionOfField(column)).Value());
+}
+
 }  // namespace engine

@@ -31,6 +31,11 @@ void XDataBase::setItem(const QString& fieldName, int32_t count, const QString& 
     field(fieldName).setValue(rt::stringVariant(value));
 }
 
+void XDataBase::setCell(int32_t column, const QString& value)
+{
+    field(CaptionOfField(column)).setValue(rt::stringVariant(value));
+}
+
 bool XDataBase::AddValue(const QString& fieldName, int32_t row, const QString& value)
 {
     const auto error = rt::trapError([&] {
@@ -78,10 +83,11 @@ bool XDataBase::DeleteRecord(int32_t row)
 bool XDataBase::alterCurrentTable(const QString& change)
 {
     closeRecordset();
-    return !rt::trapError([&] {
+    lastAlterError_ = rt::trapError([&] {
         execute(QStringLiteral("ALTER TABLE ") + currentTable_ + change);
         reopenRecordset();
     });
+    return !lastAlterError_;
 }
 
 bool XDataBase::AddField(const QString& name, const QString& type)

@@ -5,6 +5,7 @@
 #include "host/HostDiagnostics.h"
 #include "rt/AnsiCodePage.h"
 #include "rt/VbError.h"
+#include "rt/VbStrings.h"
 
 namespace lang {
 
@@ -24,18 +25,6 @@ QString reversed(const QString& text)
     QString out = text;
     std::reverse(out.begin(), out.end());
     return out;
-}
-
-// VB's Trim: spaces only, not tabs.
-QString trimSpaces(const QString& text)
-{
-    qsizetype start = 0;
-    qsizetype end = text.size();
-    while (start < end && text[start] == u' ')
-        ++start;
-    while (end > start && text[end - 1] == u' ')
-        --end;
-    return text.mid(start, end - start);
 }
 
 }  // namespace
@@ -124,7 +113,7 @@ QString ToPoint(QString& value)
 {
     try {
         host::HostDiagnostics::current().trace(QStringLiteral("Function: ToPoint(") + value + u')');
-        QString result = trimSpaces(value);
+        QString result = rt::Trim(value);
         result.replace(u',', u'.');
         value = result;
         return result;

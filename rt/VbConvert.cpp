@@ -150,6 +150,46 @@ double Val(const QString& text)
     return value;
 }
 
+bool IsNumeric(const QString& text)
+{
+    const QString t = text.trimmed();
+    qsizetype i = 0;
+    const qsizetype n = t.size();
+    auto digitsWhile = [&](auto isDigit) {
+        const qsizetype start = i;
+        while (i < n && isDigit(t[i]))
+            ++i;
+        return i - start;
+    };
+    const auto decimal = [](QChar c) { return c >= u'0' && c <= u'9'; };
+    if (n >= 2 && t[0] == u'&') {
+        const QChar kind = t[1].toUpper();
+        i = 2;
+        if (kind == u'H')
+            return digitsWhile([](QChar c) { return (c >= u'0' && c <= u'9') || (c.toUpper() >= u'A' && c.toUpper() <= u'F'); }) > 0 && i == n;
+        if (kind == u'O')
+            return digitsWhile([](QChar c) { return c >= u'0' && c <= u'7'; }) > 0 && i == n;
+        return false;
+    }
+    if (i < n && (t[i] == u'+' || t[i] == u'-'))
+        ++i;
+    qsizetype mantissa = digitsWhile(decimal);
+    if (i < n && t[i] == u'.') {
+        ++i;
+        mantissa += digitsWhile(decimal);
+    }
+    if (mantissa == 0)
+        return false;
+    if (i < n && (t[i].toUpper() == u'E' || t[i].toUpper() == u'D')) {
+        ++i;
+        if (i < n && (t[i] == u'+' || t[i] == u'-'))
+            ++i;
+        if (digitsWhile(decimal) == 0)
+            return false;
+    }
+    return i == n;
+}
+
 int32_t CLng(double value)
 {
     return roundChecked<int32_t>(value);

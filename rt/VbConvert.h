@@ -14,6 +14,12 @@ namespace rt {
 // too large for a Double is Overflow (6).
 double Val(const QString& text);
 
+// Whether the whole text is one number of the forms Val reads: blanks around it, an
+// optional sign, digits with at most one "." and at least one digit, an optional exponent
+// (E or D, optional sign, digits); or "&H" with hexadecimal or "&O" with octal digits.
+// Blanks inside the number or anything after it make it no number ("1 2", "12a", "&H").
+bool IsNumeric(const QString& text);
+
 // Rounds halves to even (2.5 -> 2, 3.5 -> 4); Overflow (6) outside the type's range.
 int32_t CLng(double value);
 int16_t CInt(double value);

@@ -10,6 +10,7 @@
 #include "CellRanges.h"
 #include "engine/Table_Selection.h"
 #include "engine/XDataBase.h"
+#include "lang/LangApp.h"
 #include "host/HostDiagnostics.h"
 #include "host/Registry.h"
 #include "host/RegistryKeys.h"
@@ -98,7 +99,8 @@ int calc(const std::vector<std::string>& a)
 
     bool useLogin = false, accepted = false;
     QString user, password;
-    engine::XDataBase database(registry, {useLogin, user, password, accepted});
+    lang::LangApp captions;
+    engine::XDataBase database(registry, {useLogin, user, password, accepted}, captions);
     if (!database.OpenDataBase(QString::fromStdString(a[0])))
         throw std::runtime_error("cannot open '" + a[0] + "' as a database");
     const QString wanted = QString::fromStdString(a[1]);

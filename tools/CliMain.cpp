@@ -2,6 +2,10 @@
 //
 //   sheetwright-cli tables FILE                     user tables, one per line
 //   sheetwright-cli export FILE TABLE --format csv  a table as CSV on standard output
+//   sheetwright-cli export FILE TABLE --format text|xml|html [--separator S] [-o OUT]
+//                                                   a table file as the program writes it
+//   sheetwright-cli import FILE TABLEFILE [--separator S]
+//                                                   a table file as a new table, as the program reads it
 //   sheetwright-cli check FILE                      integrity check; exit 0 when clean
 //   sheetwright-cli load FILE TABLE CSVFILE         appends the CSV's rows: all of them or none
 //   sheetwright-cli create FILE --version 3|4       a new, empty database (Access 97 or 2000)
@@ -22,6 +26,7 @@
 #include "CalcCommand.h"
 #include "CsvExport.h"
 #include "CsvImport.h"
+#include "TableFileCommands.h"
 #include "jet/Checker.h"
 #include "jet/Connection.h"
 #include "jet/NewDatabase.h"
@@ -36,6 +41,8 @@ using Args = std::vector<std::string>;
 const char* usage =
     "usage: sheetwright-cli tables FILE\n"
     "       sheetwright-cli export FILE TABLE --format csv\n"
+    "       sheetwright-cli export FILE TABLE --format text|xml|html [--separator S] [-o OUT]\n"
+    "       sheetwright-cli import FILE TABLEFILE [--separator S]\n"
     "       sheetwright-cli check FILE\n"
     "       sheetwright-cli load FILE TABLE CSVFILE\n"
     "       sheetwright-cli create FILE --version 3|4\n"
@@ -61,8 +68,8 @@ int tables(const Args& a) {
 }
 
 int exportTable(const Args& a) {
-    if (a.size() != 4 || a[2] != "--format") throw std::invalid_argument("export takes FILE TABLE --format csv");
-    if (a[3] != "csv") throw std::invalid_argument("unknown export format '" + a[3] + "' (only csv)");
+    if (a.size() >= 4 && a[2] == "--format" && a[3] != "csv") return sheetwright::cli::exportTableFile(a);
+    if (a.size() != 4 || a[2] != "--format") throw std::invalid_argument("export takes FILE TABLE --format csv|text|xml|html");
     jet::Connection cn;
     openFile(cn, a[0]);
     jet::Recordset rs;
@@ -129,6 +136,7 @@ int main(int argc, char** argv) {
         if (command == "export") return exportTable(args);
         if (command == "check") return check(args);
         if (command == "load") return load(args);
+        if (command == "import") return sheetwright::cli::importTableFile(args);
         if (command == "create") return create(args);
         if (command == "sql") return sql(args);
         if (command == "calc") return sheetwright::cli::calc(args);

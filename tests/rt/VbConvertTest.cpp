@@ -26,6 +26,14 @@ TEST(Val, ReadsTheLeadingNumberOfAText)
         EXPECT_EQ(runTimeErrorOf([&] { Val(tooLarge); }), 6) << tooLarge.toStdString();
 }
 
+TEST(IsNumeric, TakesOnlyATextThatIsOneNumberWhole)
+{
+    for (const char* number : {"65", " 65 ", "-1", "+0", "6.5", ".5", "5.", "1e2", "1D-2", "&H41", "&hff", "&O17", "00"})
+        EXPECT_TRUE(IsNumeric(number)) << number;
+    for (const char* other : {"", " ", "x41", "#65", "1 2", "12a", "1e", "e5", ".", "-", "&H", "&HG", "&17", "1.2.3", "--5"})
+        EXPECT_FALSE(IsNumeric(other)) << other;
+}
+
 TEST(Conversions, RoundHalvesToEvenAndOverflowOutsideTheTypesRange)
 {
     const std::vector<std::pair<double, int32_t>> longs = {

@@ -21,7 +21,8 @@ struct CliRun {
 class Cli : public ::testing::Test {
 protected:
     CliRun cli(const std::string& args) {
-        const std::string cmd = std::string(SHEETWRIGHT_BINARY_DIR) + "/tools/sheetwright-cli " + args + " >" +
+        const std::string cmd = "SHEETWRIGHT_REGISTRY='" + dir.file("registry") + "' " + std::string(SHEETWRIGHT_BINARY_DIR) +
+                                "/tools/sheetwright-cli " + args + " >" +
                                 dir.file("out") + " 2>" + dir.file("err");
         const int rc = std::system(cmd.c_str());
         return {WIFEXITED(rc) ? WEXITSTATUS(rc) : -1, readAll(dir.file("out")), readAll(dir.file("err"))};
@@ -72,7 +73,7 @@ TEST_F(Cli, ErrorsAreOneLineOnStandardErrorWithAFailingStatus) {
     EXPECT_NE(std::string::npos, missing.err.find("-2147217865"));
     expectError(cli("tables /nonexistent/file.mdb"), "Could not find file");
     expectError(cli("tables " + fixture("MANIFEST.md")), "Unrecognized database format");
-    for (const char* usage : {"export x Table1 --format xml", "frobnicate", "", "create x.mdb --version 5", "create x.mdb",
+    for (const char* usage : {"export x Table1 --format pdf", "frobnicate", "", "create x.mdb --version 5", "create x.mdb",
                               "sql x.mdb", "load x.mdb Table1"})
         EXPECT_EQ(2, cli(usage).status) << usage;
     EXPECT_FALSE(fs::exists("x.mdb"));
@@ -149,3 +150,54 @@ TEST_F(Cli, ABadRowAnywhereLeavesTheFileAsItWas) {
 }
 
 }  // namespace
+
+TEST_F(Cli, TableFilesGoOutAsTheProgramWritesThemAndComeBackAsNewTables) {
+    WritableCopy copy("indexTestV1997.mdb");
+    const std::string db = "'" + copy.path() + "'";
+    EXPECT_EQ("id;data\r\n0;foo0\r\n1;foo1\r\n2;foo2\r\n", cli("export " + db + " Table2 --format text").out);
+    const std::string xml = "<?xml version=\"1.0\"?>\r\n<table type=\"list\" sep=\"\t\" >\r\n"
+                            "<columns sep=\"\t\" text=\"id\tdata\" />\r\n<data>\r\n<line sep=\"\t\" text=\"0\tfoo0\"/>\r\n"
+                            "<line sep=\"\t\" text=\"1\tfoo1\"/>\r\n<line sep=\"\t\" text=\"2\tfoo2\"/>\r\n</data>\r\n</table>\r\n";
+    EXPECT_EQ(xml, cli("export " + db + " Table2 --format xml").out);
+    const std::string out = dir.file("Table2_page.htm");
+    ASSERT_EQ(0, cli("export " + db + " Table2 --format html -o '" + out + "'").status);
+    EXPECT_EQ("<!DOCTYPE HTML PUBLIC \"-//W3C//DTD HTML 4.0 Final//EN\"><HTML><HEAD>\r\n"
+              "<META HTTP-EQUIV=\"Content-Type\" Content=\"text-html; charset=Windows-1251\">\r\n"
+              "<title>Saved Table " + out + "</title></HEAD><BODY BGCOLOR=#FFFFFF TEXT=#000000>\r\n"
+              "<center><table width=\"100%\" border=1 cellspacing=0>\r\n"
+              "<tr><td><b>id</b></td><td><b>data</b></td></tr>\r\n\r\n<tr><td>0</td><td>foo0</td></tr>\r\n\r\n"
+              "<tr><td>1</td><td>foo1</td></tr>\r\n\r\n<tr><td>2</td><td>foo2</td></tr>\r\n\r\n"
+              "</table>\r\n</center>\r\n</BODY>\r\n</HTML>\r\n",
+              readAll(out));
+    EXPECT_EQ("id<>data\r\n0<>foo0\r\n1<>foo1\r\n2<>foo2\r\n",
+              cli("export " + db + " Table2 --format text --separator '<>'").out);
+
+    // Imported under the file's name; text other than ".txt" with the separator given.
+    const CliRun html = cli("import " + db + " '" + out + "'");
+    EXPECT_EQ(0, html.status) << html.err;
+    EXPECT_EQ("Table2_page\n", html.out);
+    EXPECT_EQ("id,data\n\"0\",\"foo0\"\n\"1\",\"foo1\"\n\"2\",\"foo2\"\n,\n", cli("export " + db + " Table2_page --format csv").out)
+        << "one empty record after the last row";
+    expectError(cli("import " + db + " " + file("two words.csv", "a\r\n")), "Syntax error in CREATE TABLE statement.");
+    EXPECT_EQ("Table2_copy\n", cli("import " + db + " " + file("Table2_copy.xml", xml)).out);
+    EXPECT_EQ("Prices\n", cli("import " + db + " " + file("Prices.csv", "Name|Price\r\nTea|3\r\n") + " --separator '|'").out);
+    EXPECT_EQ("Name,Price\n\"Tea\",\"3\"\n", cli("export " + db + " Prices --format csv").out);
+    EXPECT_EQ("id,data\n\"0\",\"foo0\"\n\"1\",\"foo1\"\n\"2\",\"foo2\"\n",
+              cli("export " + db + " Table2_copy --format csv").out);
+
+    // A taken name, in any case, is refused before anything is written.
+    const std::string before = readAll(copy.path());
+    expectError(cli("import " + db + " " + file("table2.xml", xml)), "already has a table 'table2'");
+    EXPECT_EQ(before, readAll(copy.path()));
+    expectError(cli("import " + db + " " + file("bad.xml", "<t type=\"list\"><columns sep=\",\" text=\"a\"/><data>"
+                                                         "<line sep=\",\" text=\"1,2\"/></data></t>")),
+                "Error of opening table XML!");
+    expectError(cli("import " + db + " " + file("none.xml", "<t/>")), "holds no table of its format");
+    expectError(cli("import " + db + " " + file("three.htm", "<table><tr><td>x<br></td></tr></table><table></table>")),
+                "Invalid procedure call");
+    expectError(cli("export " + db + " Nowhere --format xml"), "has no table 'Nowhere'");
+    expectError(cli("import " + db + " '" + dir.file("missing.csv") + "'"), "cannot read");
+    for (const char* usage : {"export x T --format text -o", "export x T --format pdf", "import x", "import x y -o z"})
+        EXPECT_EQ(2, cli(usage).status) << usage;
+    EXPECT_EQ(0, cli("check " + db).status);
+}

@@ -18,8 +18,8 @@
 #include <vector>
 
 #include "jet/Connection.h"
-#include "jet/Database.h"
 #include "jet/Recordset.h"
+#include "table/Database.h"
 
 namespace fs = std::filesystem;
 using Clock = std::chrono::steady_clock;

@@ -23,11 +23,11 @@
 #include "CsvExport.h"
 #include "jet/Checker.h"
 #include "jet/Connection.h"
-#include "jet/Database.h"
 #include "jet/Recordset.h"
-#include "jet/Table.h"
-#include "jet/TableWriter.h"
-#include "jet/Transaction.h"
+#include "table/Database.h"
+#include "table/Table.h"
+#include "table/TableWriter.h"
+#include "table/Transaction.h"
 
 namespace fs = std::filesystem;
 using Clock = std::chrono::steady_clock;

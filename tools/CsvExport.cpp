@@ -3,7 +3,6 @@
 #include <cstdio>
 
 #include "jet/DateSerial.h"
-#include "jet/ValueReader.h"
 
 namespace sheetwright::cli {
 

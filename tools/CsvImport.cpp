@@ -1,10 +1,10 @@
 #include "CsvImport.h"
 
+#include <algorithm>
 #include <stdexcept>
 
+#include "jet/AdoConstants.h"
 #include "jet/RuntimeError.h"
-#include "jet/Utf.h"
-#include "jet/ValueReader.h"
 
 namespace sheetwright::cli {
 
@@ -78,11 +78,10 @@ size_t importCsv(std::istream& in, jet::Recordset& rs) {
     std::vector<bool> binary;
     for (const CsvField& name : header) {
         jet::Field field = rs.Fields().Item(name.text);  // error 3265 for a name the table lacks
-        for (size_t k = 0; k < columns.size(); ++k)
-            if (jet::equalsIgnoreCase(rs.Fields().Item(columns[k]).Name(), name.text))
-                throw std::runtime_error("the CSV header names column '" + name.text + "' twice");
         int32_t index = 0;
         while (rs.Fields().Item(index).Name() != field.Name()) ++index;
+        if (std::find(columns.begin(), columns.end(), index) != columns.end())
+            throw std::runtime_error("the CSV header names column '" + name.text + "' twice");
         columns.push_back(index);
         binary.push_back(field.Type() == jet::ado_type::VarBinary || field.Type() == jet::ado_type::LongVarBinary);
     }

@@ -11,8 +11,8 @@
 #include "host/RegistryKeys.h"
 #include "jet/Checker.h"
 #include "jet/Connection.h"
-#include "jet/Database.h"
 #include "jet/NewDatabase.h"
+#include "table/Database.h"
 
 using namespace app;
 using host::HKEY_CURRENT_USER;

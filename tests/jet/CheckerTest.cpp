@@ -9,17 +9,17 @@
 #include <random>
 
 #include "VectorIndexPages.h"
-#include "jet/Bytes.h"
+#include "base/Bytes.h"
+#include "check/IndexCheck.h"
+#include "format/TableDefSerializer.h"
+#include "format/UsageMap.h"
+#include "index/IndexPagerReader.h"
+#include "index/IndexTree.h"
+#include "index/IndexTreeWriter.h"
 #include "jet/Checker.h"
-#include "jet/Database.h"
-#include "jet/IndexCheck.h"
-#include "jet/IndexPagerReader.h"
-#include "jet/IndexTree.h"
-#include "jet/IndexTreeWriter.h"
-#include "jet/LongValue.h"
-#include "jet/Table.h"
-#include "jet/TableDefSerializer.h"
-#include "jet/UsageMap.h"
+#include "table/Database.h"
+#include "table/LongValue.h"
+#include "table/Table.h"
 #include "testkit/Session.h"
 
 namespace {

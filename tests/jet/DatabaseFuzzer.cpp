@@ -8,11 +8,11 @@
 #include <cstddef>
 #include <cstdint>
 
+#include "ado/Schema.h"
 #include "jet/Checker.h"
-#include "jet/Database.h"
-#include "jet/Schema.h"
-#include "jet/Table.h"
-#include "jet/ValueReader.h"
+#include "table/Database.h"
+#include "table/Table.h"
+#include "table/ValueReader.h"
 #include "testkit/TestFiles.h"
 
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {

@@ -9,8 +9,8 @@
 #include <filesystem>
 #include <functional>
 
-#include "jet/DatabaseLock.h"
-#include "jet/Journal.h"
+#include "os/DatabaseLock.h"
+#include "pager/Journal.h"
 #include "testkit/PageWorkload.h"
 #include "testkit/TestFiles.h"
 

@@ -4,10 +4,10 @@
 
 #include <functional>
 
-#include "jet/Bytes.h"
-#include "jet/Database.h"
-#include "jet/Header.h"
-#include "jet/Table.h"
+#include "base/Bytes.h"
+#include "format/Header.h"
+#include "table/Database.h"
+#include "table/Table.h"
 #include "testkit/TestFiles.h"
 
 namespace {

@@ -4,15 +4,15 @@
 // after the format notes, and the damage each reader must refuse.
 #include <gtest/gtest.h>
 
-#include "jet/Bytes.h"
-#include "jet/CodePage.h"
-#include "jet/Database.h"
-#include "jet/Header.h"
-#include "jet/RowReader.h"
-#include "jet/Table.h"
-#include "jet/TextCodec.h"
-#include "jet/UsageMap.h"
-#include "jet/Utf.h"
+#include "base/Bytes.h"
+#include "base/Utf.h"
+#include "format/CodePage.h"
+#include "format/Header.h"
+#include "format/TextCodec.h"
+#include "format/UsageMap.h"
+#include "table/Database.h"
+#include "table/RowReader.h"
+#include "table/Table.h"
 #include "testkit/TestFiles.h"
 
 namespace {

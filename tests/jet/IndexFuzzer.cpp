@@ -13,12 +13,12 @@
 #include <set>
 #include <vector>
 
-#include "jet/Format.h"
-#include "jet/IndexPageStore.h"
-#include "jet/IndexTextKey.h"
-#include "jet/IndexTree.h"
-#include "jet/IndexTreeVerifier.h"
-#include "jet/IndexTreeWriter.h"
+#include "format/Format.h"
+#include "index/IndexPageStore.h"
+#include "index/IndexTextKey.h"
+#include "index/IndexTree.h"
+#include "index/IndexTreeVerifier.h"
+#include "index/IndexTreeWriter.h"
 #include "jet/RuntimeError.h"
 
 namespace {

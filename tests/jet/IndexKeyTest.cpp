@@ -9,10 +9,10 @@
 #include <cmath>
 #include <random>
 
-#include "jet/Bytes.h"
-#include "jet/IndexKey.h"
-#include "jet/IndexTextCodes.h"
-#include "jet/IndexTextKey.h"
+#include "base/Bytes.h"
+#include "index/IndexKey.h"
+#include "index/IndexTextCodes.h"
+#include "index/IndexTextKey.h"
 #include "testkit/TestFiles.h"
 
 namespace {

@@ -11,14 +11,14 @@
 #include <set>
 
 #include "VectorIndexPages.h"
-#include "jet/IndexEntry.h"
-#include "jet/IndexKey.h"
-#include "jet/IndexPage.h"
-#include "jet/IndexTextKey.h"
-#include "jet/IndexTree.h"
-#include "jet/IndexTreeVerifier.h"
-#include "jet/IndexTreeWriter.h"
-#include "jet/Pager.h"
+#include "format/IndexEntry.h"
+#include "format/IndexPage.h"
+#include "index/IndexKey.h"
+#include "index/IndexTextKey.h"
+#include "index/IndexTree.h"
+#include "index/IndexTreeVerifier.h"
+#include "index/IndexTreeWriter.h"
+#include "pager/Pager.h"
 #include "testkit/TestFiles.h"
 
 namespace {

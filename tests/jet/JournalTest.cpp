@@ -5,8 +5,8 @@
 #include <filesystem>
 #include <functional>
 
-#include "jet/Bytes.h"
-#include "jet/Journal.h"
+#include "base/Bytes.h"
+#include "pager/Journal.h"
 #include "testkit/FaultInjectionEnv.h"
 #include "testkit/PageWorkload.h"
 #include "testkit/TestFiles.h"

@@ -6,20 +6,20 @@
 #include <cstdlib>
 #include <filesystem>
 
-#include "jet/Bytes.h"
+#include "base/Bytes.h"
+#include "format/CodePage.h"
+#include "format/DataPage.h"
+#include "format/Header.h"
+#include "format/TableDefSerializer.h"
+#include "format/UsageMap.h"
+#include "index/IndexPagerReader.h"
+#include "index/IndexTree.h"
 #include "jet/Checker.h"
-#include "jet/CodePage.h"
 #include "jet/Connection.h"
-#include "jet/DataPage.h"
-#include "jet/Database.h"
-#include "jet/Header.h"
-#include "jet/IndexPagerReader.h"
-#include "jet/IndexTree.h"
-#include "jet/Journal.h"
 #include "jet/NewDatabase.h"
-#include "jet/SystemTables.h"
-#include "jet/TableDefSerializer.h"
-#include "jet/UsageMap.h"
+#include "pager/Journal.h"
+#include "sql/SystemTables.h"
+#include "table/Database.h"
 #include "testkit/Session.h"
 
 namespace {

@@ -5,7 +5,7 @@
 
 #include <filesystem>
 
-#include "jet/Journal.h"
+#include "pager/Journal.h"
 #include "testkit/FaultInjectionEnv.h"
 #include "testkit/PageWorkload.h"
 #include "testkit/TestFiles.h"

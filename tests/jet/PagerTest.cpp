@@ -6,7 +6,7 @@
 
 #include <filesystem>
 
-#include "jet/Journal.h"
+#include "pager/Journal.h"
 #include "testkit/CrashLoop.h"
 #include "testkit/FaultInjectionEnv.h"
 #include "testkit/PageWorkload.h"

@@ -11,11 +11,11 @@
 
 #include "jet/Checker.h"
 #include "jet/Connection.h"
-#include "jet/Database.h"
 #include "jet/Recordset.h"
-#include "jet/Table.h"
-#include "testkit/ValueSamples.h"
+#include "table/Database.h"
+#include "table/Table.h"
 #include "testkit/Session.h"
+#include "testkit/ValueSamples.h"
 
 #ifndef SHEETWRIGHT_LONG_RUN
 #define SHEETWRIGHT_LONG_RUN 0

@@ -5,11 +5,11 @@
 #include <functional>
 #include <map>
 
+#include "ado/ConnectionString.h"
+#include "format/Header.h"
 #include "jet/Connection.h"
-#include "jet/ConnectionString.h"
-#include "jet/Database.h"
-#include "jet/Header.h"
 #include "jet/Recordset.h"
+#include "table/Database.h"
 #include "testkit/Session.h"
 #include "testkit/TestFiles.h"
 

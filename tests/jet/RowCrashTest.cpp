@@ -5,7 +5,7 @@
 // jet_row_crash_marathon's business (ctest -L long).
 #include <gtest/gtest.h>
 
-#include "jet/Database.h"
+#include "table/Database.h"
 #include "testkit/FaultInjectionEnv.h"
 #include "testkit/RowWorkload.h"
 #include "testkit/TestFiles.h"

@@ -4,16 +4,16 @@
 // global map growing with the file.
 #include <gtest/gtest.h>
 
-#include "jet/DataPageWriter.h"
-#include "jet/Database.h"
+#include "format/DataPageWriter.h"
+#include "format/PageAllocator.h"
+#include "format/UsageMap.h"
+#include "format/UsageMapWriter.h"
 #include "jet/DateSerial.h"
-#include "jet/PageAllocator.h"
-#include "jet/RowWriter.h"
-#include "jet/Table.h"
-#include "jet/Transaction.h"
-#include "jet/UsageMap.h"
-#include "jet/UsageMapWriter.h"
-#include "jet/ValueConverter.h"
+#include "table/Database.h"
+#include "table/RowWriter.h"
+#include "table/Table.h"
+#include "table/Transaction.h"
+#include "table/ValueConverter.h"
 #include "testkit/TestFiles.h"
 
 namespace {

@@ -8,15 +8,15 @@
 #include <filesystem>
 #include <functional>
 
+#include "format/UsageMap.h"
 #include "jet/Checker.h"
 #include "jet/Connection.h"
-#include "jet/Database.h"
 #include "jet/DateSerial.h"
 #include "jet/NewDatabase.h"
 #include "jet/Recordset.h"
-#include "jet/Table.h"
-#include "jet/UsageMap.h"
-#include "jet/ValueReader.h"
+#include "table/Database.h"
+#include "table/Table.h"
+#include "table/ValueReader.h"
 #include "testkit/FaultInjectionEnv.h"
 #include "testkit/Session.h"
 #include "testkit/TestFiles.h"

@@ -2,7 +2,7 @@
 // the syntax errors the table engine relies on.
 #include <gtest/gtest.h>
 
-#include "jet/SqlParser.h"
+#include "sql/SqlParser.h"
 
 using namespace jet;
 using namespace jet::sql;

@@ -9,16 +9,16 @@
 #include <filesystem>
 #include <functional>
 
-#include "jet/Bytes.h"
+#include "base/Bytes.h"
+#include "format/CodePage.h"
+#include "format/DataPage.h"
 #include "jet/Checker.h"
-#include "jet/CodePage.h"
 #include "jet/Connection.h"
-#include "jet/DataPage.h"
 #include "jet/DateSerial.h"
-#include "jet/Database.h"
 #include "jet/Recordset.h"
-#include "jet/Table.h"
-#include "jet/Transaction.h"
+#include "table/Database.h"
+#include "table/Table.h"
+#include "table/Transaction.h"
 #include "testkit/Session.h"
 #include "testkit/TestFiles.h"
 

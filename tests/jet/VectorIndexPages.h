@@ -10,10 +10,10 @@
 #include <string>
 #include <vector>
 
-#include "jet/Bytes.h"
-#include "jet/DataPage.h"
-#include "jet/IndexPageStore.h"
-#include "jet/IndexTreeWriter.h"
+#include "base/Bytes.h"
+#include "format/DataPage.h"
+#include "index/IndexPageStore.h"
+#include "index/IndexTreeWriter.h"
 
 class VectorIndexPages : public jet::IndexPageStore {
 public:

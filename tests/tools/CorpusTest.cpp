@@ -15,9 +15,9 @@
 #include "Oracles.h"
 #include "jet/Checker.h"
 #include "jet/Connection.h"
-#include "jet/Database.h"
 #include "jet/Recordset.h"
-#include "jet/Table.h"
+#include "table/Database.h"
+#include "table/Table.h"
 #include "testkit/Session.h"
 #include "testkit/ValueSamples.h"
 

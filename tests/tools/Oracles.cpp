@@ -9,15 +9,15 @@
 #include <sstream>
 
 #include "CsvExport.h"
-#include "jet/Bytes.h"
+#include "base/Bytes.h"
+#include "format/CodePage.h"
 #include "jet/Checker.h"
-#include "jet/CodePage.h"
 #include "jet/Connection.h"
-#include "jet/Database.h"
 #include "jet/DateSerial.h"
 #include "jet/Recordset.h"
-#include "jet/Table.h"
-#include "jet/ValueReader.h"
+#include "table/Database.h"
+#include "table/Table.h"
+#include "table/ValueReader.h"
 #include "testkit/TestFiles.h"
 
 namespace sheetwright::testing {

@@ -8,13 +8,13 @@
 #include <set>
 
 #include "Oracles.h"
+#include "format/UsageMap.h"
 #include "jet/Connection.h"
-#include "jet/Database.h"
 #include "jet/DateSerial.h"
 #include "jet/NewDatabase.h"
 #include "jet/Recordset.h"
-#include "jet/Table.h"
-#include "jet/UsageMap.h"
+#include "table/Database.h"
+#include "table/Table.h"
 #include "testkit/Session.h"
 #include "testkit/TestFiles.h"
 

@@ -16,7 +16,7 @@
 #include <string>
 #include <vector>
 
-#include "jet/Env.h"
+#include "os/Env.h"
 
 namespace jet::testkit {
 

@@ -5,7 +5,7 @@
 #include <random>
 #include <stdexcept>
 
-#include "jet/Bytes.h"
+#include "base/Bytes.h"
 
 namespace jet::testkit {
 

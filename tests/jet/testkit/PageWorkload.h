@@ -14,7 +14,7 @@
 #include <vector>
 
 #include "CrashLoop.h"
-#include "jet/Pager.h"
+#include "pager/Pager.h"
 
 namespace jet::testkit {
 

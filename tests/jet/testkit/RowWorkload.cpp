@@ -3,11 +3,11 @@
 #include <stdexcept>
 
 #include "jet/Checker.h"
-#include "jet/Database.h"
-#include "jet/Table.h"
-#include "jet/TableWriter.h"
-#include "jet/Transaction.h"
-#include "jet/ValueReader.h"
+#include "table/Database.h"
+#include "table/Table.h"
+#include "table/TableWriter.h"
+#include "table/Transaction.h"
+#include "table/ValueReader.h"
 
 namespace jet::testkit {
 

@@ -11,7 +11,7 @@
 #include <string>
 
 #include "CrashLoop.h"
-#include "jet/Env.h"
+#include "os/Env.h"
 
 namespace jet {
 class Database;

@@ -15,10 +15,10 @@
 
 #include "jet/Checker.h"
 #include "jet/Connection.h"
-#include "jet/Database.h"
 #include "jet/Recordset.h"
 #include "jet/RuntimeError.h"
-#include "jet/Table.h"
+#include "table/Database.h"
+#include "table/Table.h"
 #include "testkit/TestFiles.h"
 
 namespace jet::testkit {

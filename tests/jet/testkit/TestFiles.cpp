@@ -9,7 +9,7 @@
 #include <iterator>
 #include <stdexcept>
 
-#include "jet/Database.h"
+#include "table/Database.h"
 
 namespace jet::testkit {
 

@@ -12,7 +12,7 @@
 #include <string_view>
 #include <vector>
 
-#include "jet/Env.h"
+#include "os/Env.h"
 
 namespace jet {
 class Database;

@@ -7,7 +7,7 @@
 #include <cstdint>
 #include <random>
 
-#include "jet/TableDef.h"
+#include "format/TableDef.h"
 #include "jet/Variant.h"
 
 namespace jet::testkit {

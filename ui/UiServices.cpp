@@ -1,6 +1,7 @@
 #include "ui/UiServices.h"
 
 #include "host/VbError.h"
+#include "ui/ProgramVersion.h"
 
 namespace ui {
 
@@ -62,7 +63,7 @@ void UiServices::install(UiServices* services)
 
 QString programTitle()
 {
-    return QStringLiteral("Sheetwright");
+    return QString::fromLatin1(version::title);
 }
 
 }  // namespace ui

@@ -32,11 +32,13 @@ TableGrid::TableGrid(RecordsetModel::Access access, QWidget* parent)
     rows->setDefaultAlignment(Qt::AlignRight | Qt::AlignVCenter);
     horizontalHeader()->setSectionResizeMode(QHeaderView::Interactive);
     horizontalHeader()->setHighlightSections(true);
-    connect(&model_, &QAbstractItemModel::modelReset, this, [this] {
-        // The header row and column live in the frozen headers.
+    // The header row and column live in the frozen headers.
+    auto hideHeaderCells = [this] {
         setRowHidden(0, true);
         setColumnHidden(0, true);
-    });
+    };
+    hideHeaderCells();
+    connect(&model_, &QAbstractItemModel::modelReset, this, hideHeaderCells);
     connect(qApp, &QApplication::focusChanged, this, &TableGrid::focusMoved);
 }
 

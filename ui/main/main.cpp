@@ -1,7 +1,9 @@
 // The program: installs the Qt boxes and dialogs, runs Main under the top-level handler
-// and lives in the event loop until the last window closes.
+// and lives in the event loop until the last window closes. A database named on the
+// command line (as a file manager's "Open with" passes it) opens once the window shows.
 
 #include <memory>
+#include <QTimer>
 
 #include "app/ModMain.h"
 #include "host/SystemLocale.h"
@@ -31,5 +33,10 @@ int main(int argc, char** argv)
     });
     if (!started)
         return 1;
+    const QStringList arguments = QCoreApplication::arguments();
+    if (arguments.size() > 1) {
+        const QString file = arguments.at(1);
+        QTimer::singleShot(0, mainForm.get(), [&mainForm, file] { mainForm->OpenCommandLineFile(file); });
+    }
     return application.exec();
 }

@@ -44,6 +44,11 @@ void HelpBrowser::showPage(const QString& file)
 {
     contents_ = QUrl::fromLocalFile(file);
     pages_->setSource(contents_);
+    // The first time, over the middle of the window that asked for help.
+    if (!isVisible() && parentWidget() && !testAttribute(Qt::WA_Moved)) {
+        const QRect owner = parentWidget()->window()->frameGeometry();
+        move(owner.center() - QPoint(width() / 2, height() / 2));
+    }
     show();
     raise();
     activateWindow();

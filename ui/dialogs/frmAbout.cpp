@@ -54,7 +54,8 @@ frmAbout::frmAbout(QWidget* parent) : QDialog(parent)
     layout->addLayout(top);
     layout->addWidget(Line1);
     layout->addLayout(buttons);
-    setFixedWidth(440);
+    layout->setSizeConstraint(QLayout::SetFixedSize);
+    lblDescription->setFixedWidth(320);
 
     Form_Load();
 }

@@ -277,6 +277,13 @@ TEST_F(FrmTableTest, ARecentDatabaseOpensIntoTheTreeAndAClickedTableFillsTheGrid
     EXPECT_EQ(app::gDataBase().CurrentTable(), "Table2");
     root->setExpanded(false);
     EXPECT_EQ(root->icon(0).cacheKey(), form.imlTree.ListImages(2).cacheKey());
+
+    // A database without tables: the tree has its root only, the grids nothing.
+    form.OpenCommandLineFile(copyCorpusFile("empty.mdb", program.path("empty.mdb")));
+    EXPECT_EQ(treeTexts(form), QStringList({"Tables"}));
+    EXPECT_EQ(form.frdMain->Rows(), 1);
+    EXPECT_EQ(form.frdMain->Cols(), 1);
+    EXPECT_EQ(form.statusTexts(), QStringList({"", ""}));
     EXPECT_EQ(program.fake.boxes().size(), 0u);
 }
 

@@ -545,9 +545,14 @@ void frmTable::tvwTable_Collapse(QTreeWidgetItem* node)
 
 void frmTable::ShowTable(const QString& name)
 {
-    if (app::gDataBase().CurrentTable().isEmpty())
-        return;
     sendGridEdits();
+    // A database without tables: nothing to bind, and nothing of the last one may stay.
+    if (app::gDataBase().CurrentTable().isEmpty()) {
+        for (TableGrid* grid : {dtgMain, frdMain})
+            grid->bind(nullptr);
+        showStatus();
+        return;
+    }
     Busy busy(*this);
     bindGrids(false);
     markCurrentTable(name);

@@ -270,8 +270,12 @@ TEST_F(FrmTableTest, ARecentDatabaseOpensIntoTheTreeAndAClickedTableFillsTheGrid
     EXPECT_EQ(treeTexts(form), QStringList({"Tables", "Table1", "*Table2", "Table3", "Table4"}));
     EXPECT_EQ(app::gDataBase().CurrentTable(), "Table2");
     EXPECT_EQ(form.frdMain->Cols(), 90);
-    EXPECT_EQ(form.dtgMain->Cols(), 90);
     EXPECT_EQ(form.frdMain->Rows(), 1);
+    EXPECT_EQ(form.dtgMain->Cols(), 1);  // the edit grid takes the table when it is shown
+    form.show();
+    form.showEditGrid(true);
+    EXPECT_EQ(form.dtgMain->Cols(), 90);
+    form.showEditGrid(false);
 
     form.tvwTable_NodeClick(root);  // the root changes nothing
     EXPECT_EQ(app::gDataBase().CurrentTable(), "Table2");
@@ -332,6 +336,7 @@ TEST_F(FrmTableTest, AboutBoxHelpAndExit)
     const QString file = copyCorpusFile("testV1997.mdb", program.path("testV1997.mdb"));
     form.OpenCommandLineFile(file);
     form.show();
+    form.showEditGrid(true);
     ASSERT_TRUE(form.dtgMain->records().setData(form.dtgMain->model()->index(1, 2), "typed"));
     form.mnuExit_Click();
     EXPECT_FALSE(form.isVisible());

@@ -44,6 +44,19 @@ TableGrid::TableGrid(RecordsetModel::Access access, QWidget* parent)
 
 void TableGrid::bind(std::shared_ptr<jet::Recordset> recordset)
 {
+    if (isHidden() && recordset) {
+        pending_ = std::move(recordset);
+        bindPending_ = true;
+        bindNow(nullptr);
+        return;
+    }
+    bindPending_ = false;
+    pending_.reset();
+    bindNow(std::move(recordset));
+}
+
+void TableGrid::bindNow(std::shared_ptr<jet::Recordset> recordset)
+{
     model_.bind(std::move(recordset));
     if (model_.recordCount() > 0 && model_.columnCount() > 1)
         setCurrentIndex(model_.index(1, 1));
@@ -128,6 +141,10 @@ void TableGrid::mouseReleaseEvent(QMouseEvent* event)
 void TableGrid::showEvent(QShowEvent* event)
 {
     QTableView::showEvent(event);
+    if (bindPending_) {
+        bindPending_ = false;
+        bindNow(std::move(pending_));
+    }
     if (fitPending_)
         fitColumnsToContent();
 }

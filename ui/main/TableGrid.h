@@ -24,7 +24,10 @@ class TableGrid : public QTableView {
 public:
     TableGrid(RecordsetModel::Access access, QWidget* parent = nullptr);
 
-    // Shows the record set as it now is; the columns fit their content again.
+    // Shows the record set as it now is; the columns fit their content again. A grid that
+    // is hidden (the edit grid outside edit mode) lets go of what it showed and takes the
+    // record set when it is shown: a grid's row header costs memory for every row, and
+    // one grid on screen is all a user looks at.
     void bind(std::shared_ptr<jet::Recordset> recordset);
     RecordsetModel& records() { return model_; }
     const RecordsetModel& records() const { return model_; }
@@ -59,8 +62,12 @@ private:
     void focusMoved(QWidget* from, QWidget* to);
     bool holds(const QWidget* widget) const;
 
+    void bindNow(std::shared_ptr<jet::Recordset> recordset);
+
     RecordsetModel model_;
     bool fitPending_ = false;
+    bool bindPending_ = false;
+    std::shared_ptr<jet::Recordset> pending_;
 };
 
 }  // namespace ui

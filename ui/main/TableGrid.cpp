@@ -42,6 +42,13 @@ TableGrid::TableGrid(RecordsetModel::Access access, QWidget* parent)
     connect(qApp, &QApplication::focusChanged, this, &TableGrid::focusMoved);
 }
 
+TableGrid::~TableGrid()
+{
+    // The focus leaves the grid while the widget underneath is torn down, after the model
+    // has gone.
+    disconnect(qApp, nullptr, this, nullptr);
+}
+
 void TableGrid::bind(std::shared_ptr<jet::Recordset> recordset)
 {
     if (isHidden() && recordset) {

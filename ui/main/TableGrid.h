@@ -23,6 +23,7 @@ class TableGrid : public QTableView {
     Q_OBJECT
 public:
     TableGrid(RecordsetModel::Access access, QWidget* parent = nullptr);
+    ~TableGrid() override;
 
     // Shows the record set as it now is; the columns fit their content again. A grid that
     // is hidden (the edit grid outside edit mode) lets go of what it showed and takes the

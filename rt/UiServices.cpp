@@ -1,6 +1,7 @@
 #include "rt/UiServices.h"
 
 #include "rt/VbError.h"
+#include "rt/ProgramVersion.h"
 
 namespace rt {
 
@@ -62,7 +63,7 @@ void UiServices::install(UiServices* services)
 
 QString programTitle()
 {
-    return QStringLiteral("Sheetwright");
+    return QString::fromLatin1(version::title);
 }
 
 }  // namespace rt

@@ -1,5 +1,7 @@
 #include "ui/SheetwrightApplication.h"
 
+#include <QIcon>
+
 #include "rt/TopLevelHandler.h"
 #include "rt/UiServices.h"
 
@@ -10,6 +12,7 @@ SheetwrightApplication::SheetwrightApplication(int& argc, char** argv) : QApplic
     // No display name: Qt would append it to every window caption, and the captions are
     // the language table's.
     setApplicationName(rt::programTitle());
+    setWindowIcon(QIcon(QStringLiteral(":/icons/sheetwright.svg")));
 }
 
 bool SheetwrightApplication::notify(QObject* receiver, QEvent* event)

@@ -11,4 +11,9 @@ inline int twipsToPixels(double twips, double logicalDpi)
     return static_cast<int>(std::lround(twips * logicalDpi / 1440.0));
 }
 
+inline double pixelsToTwips(int pixels, double logicalDpi)
+{
+    return pixels * 1440.0 / logicalDpi;
+}
+
 }  // namespace ui

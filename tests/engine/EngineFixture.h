@@ -8,6 +8,7 @@
 
 #include <QDirIterator>
 
+#include "../support/CorpusCopy.h"
 #include "../support/FreshProgram.h"
 #include "../support/ShownBoxes.h"
 #include "Selections.h"
@@ -44,7 +45,7 @@ protected:
     }
 
     static engine::XDataBase& db() { return app::gDataBase(); }
-    static QString fixture(const QString& name) { return QStringLiteral(SHEETWRIGHT_MDB_FIXTURES "/") + name; }
+    static QString fixture(const QString& name) { return corpusFile(name); }
     static QString jet351(const QString& file, const QString& user = QString(), const QString& password = QString())
     {
         return QStringLiteral("Provider=microsoft.jet.OLEDB.3.51;Data Source=%1;User ID=%2;Password=%3;")
@@ -53,12 +54,9 @@ protected:
     QString path(const QString& name) const { return program.path(name); }
 
     // A writable copy of a corpus file, under the name given (the corpus name by default).
-    QString copyOf(const QString& corpusFile, const QString& name = QString())
+    QString copyOf(const QString& corpus, const QString& name = QString())
     {
-        const QString target = path(name.isEmpty() ? corpusFile : name);
-        EXPECT_TRUE(QFile::copy(fixture(corpusFile), target)) << corpusFile.toStdString();
-        QFile::setPermissions(target, QFile::ReadOwner | QFile::WriteOwner);
-        return target;
+        return copyCorpusFile(corpus, path(name.isEmpty() ? corpus : name));
     }
     // Opens a copy of the corpus file, then forgets what opening it sent.
     void openCopy(const QString& corpusFile)

@@ -43,10 +43,10 @@ TEST(ShippedLanguageTables, LoadWithoutAMessageInTheSameShapeWithWhatTheProgramN
     const QString shape = shapeOf("English.lng", en);
     EXPECT_EQ(shapeOf("Russian.lng", ru), shape);
     EXPECT_TRUE(shape.startsWith("0 box(es)")) << shape.toStdString();
-    // Five number types, eighteen main-window captions, three login, three new-database and
+    // Five number types, twenty main-window captions, three login, three new-database and
     // four add-column captions; at least four buttons and five options; no part empty.
     const QStringList counts = captionCounts(en).split(u' ');
-    EXPECT_EQ(counts.mid(1, 2) + counts.mid(11), QStringList({"5", "18", "3", "3", "4"}));
+    EXPECT_EQ(counts.mid(1, 2) + counts.mid(11), QStringList({"5", "20", "3", "3", "4"}));
     EXPECT_TRUE(counts[0].toInt() >= 4 && counts[5].toInt() >= 5 && !counts.contains("0")) << shape.toStdString();
     for (const LangApp* lang : {&en, &ru}) {
         const TableLangItem& table = lang->Table();
@@ -55,6 +55,8 @@ TEST(ShippedLanguageTables, LoadWithoutAMessageInTheSameShapeWithWhatTheProgramN
         // The placeholders the program fills in, and the filters whose index picks the
         // separator: three each, in the host's filter syntax.
         EXPECT_TRUE(table.Common().Item(8).contains("%TABLE%") && table.Common().Item(12).contains("%FILE%"));
+        EXPECT_TRUE(table.Common().Item(19).contains("%COUNT%") && table.Common().Item(20).contains("%ROW%") &&
+                    table.Common().Item(20).contains("%COLUMN%"));
         EXPECT_EQ(table.Common().Item(3).count(u'|') + table.Common().Item(5).count(u'|'), 10);
     }
     EXPECT_EQ(en.Table().Common().Item(1), "Sheetwright - Access database tables");

@@ -1,7 +1,9 @@
 // The program: installs the Qt boxes and dialogs, runs Main under the top-level handler
-// and lives in the event loop until the last window closes.
+// and lives in the event loop until the last window closes. A database named on the
+// command line (as a file manager's "Open with" passes it) opens once the window shows.
 
 #include <memory>
+#include <QTimer>
 
 #include "app/ModMain.h"
 #include "jet/Locale.h"
@@ -16,7 +18,12 @@ int main(int argc, char** argv)
 {
     ui::SheetwrightApplication application(argc, argv);
     ui::QtUiServices services;
-    services.addForm(QStringLiteral("frmTable"), [] { return std::make_unique<ui::frmTable>(); });
+    ui::frmTable* mainForm = nullptr;
+    services.addForm(QStringLiteral("frmTable"), [&mainForm]() -> std::unique_ptr<QWidget> {
+        auto form = std::make_unique<ui::frmTable>();
+        mainForm = form.get();
+        return form;
+    });
     rt::UiServices::install(&services);
     ui::registerDialogs();
     // Numbers and dates the engine turns into text follow the user's regional settings.
@@ -26,5 +33,10 @@ int main(int argc, char** argv)
     const bool started = rt::runHandled([] { app::Main(); });
     if (!started)
         return 1;
+    const QStringList arguments = QCoreApplication::arguments();
+    if (arguments.size() > 1 && mainForm) {
+        const QString file = arguments.at(1);
+        QTimer::singleShot(0, mainForm, [mainForm, file] { mainForm->OpenCommandLineFile(file); });
+    }
     return application.exec();
 }

@@ -24,6 +24,11 @@ bool gLoginAccepted = false;
 bool gRenameField = false;
 bool gFieldAdded = false;
 QString gLastResult;
+int32_t gSelectedColumn = 0;
+QString gPicturePath;
+QString gTempTablePath;
+bool gTableReady = false;
+bool gTableCancelled = false;
 
 namespace {
 
@@ -70,6 +75,11 @@ void resetModuleGlobals()
     gRenameField = false;
     gFieldAdded = false;
     gLastResult.clear();
+    gSelectedColumn = 0;
+    gPicturePath.clear();
+    gTempTablePath.clear();
+    gTableReady = false;
+    gTableCancelled = false;
     gDataBaseObject.reset();
     gRegistryObject.reset();
     gLangObject.reset();

@@ -34,6 +34,15 @@ extern bool gLoginAccepted;
 extern bool gRenameField;
 extern bool gFieldAdded;
 extern QString gLastResult;
+// The column the main window's grid has current, for the add-column dialog's rename mode.
+extern int32_t gSelectedColumn;
+
+// The picture command's hand-over to the graph digitizer: the picture chosen, the table
+// the digitizer wrote, and its answer (ready, possibly cancelled).
+extern QString gPicturePath;
+extern QString gTempTablePath;
+extern bool gTableReady;
+extern bool gTableCancelled;
 
 // The registry object, over the folder the environment names when first used.
 host::Registry& gRegistry();

@@ -166,6 +166,20 @@ bool XDataBase::OpenDataBase(const QString& fileName)
     return true;
 }
 
+QString XDataBase::DataBaseFile() const
+{
+    if (!connection_ || connection_->State() != jet::ado::StateOpen)
+        return QString();
+    const QString text = QString::fromStdString(connection_->ConnectionString());
+    const QString key = QStringLiteral("Data Source=");
+    const qsizetype start = text.indexOf(key, 0, Qt::CaseInsensitive);
+    if (start < 0)
+        return QString();
+    const qsizetype from = start + key.size();
+    const qsizetype end = text.indexOf(u';', from);
+    return text.mid(from, end < 0 ? -1 : end - from);
+}
+
 void XDataBase::CreateDataBase(const QString& /*name*/, const QString& fileName)
 {
     replaceConnection();

@@ -73,6 +73,9 @@ public:
     // is not used. Errors reach the caller.
     void CreateDataBase(const QString& name, const QString& fileName);
 
+    // The file the connection is open on; "" when there is none.
+    QString DataBaseFile() const;
+
     QString CurrentTable() const { return currentTable_; }
     // Opens the record set on the table; every error is ignored step by step, so a table
     // that does not open leaves the name set and the record set closed.

@@ -17,6 +17,12 @@ public:
             object_ = std::make_shared<T>();
         return *object_;
     }
+    // The object itself, made if need be, for whoever keeps a reference to it.
+    std::shared_ptr<T> shared() const
+    {
+        get();
+        return object_;
+    }
     void set(std::shared_ptr<T> object) { object_ = std::move(object); }
     void reset() { object_.reset(); }
 

@@ -54,8 +54,16 @@ void DialogForm::setControlText(const QString& control, const QString& text)
         edit->setText(text);
         return;
     }
-    if (auto* combo = dialog_->findChild<QComboBox*>(control); combo && combo->isEditable()) {
-        combo->setEditText(text);
+    if (auto* combo = dialog_->findChild<QComboBox*>(control)) {
+        // A drop-down list takes only one of its entries, as a user can only pick one.
+        if (combo->isEditable()) {
+            combo->setEditText(text);
+            return;
+        }
+        const int entry = combo->findText(text, Qt::MatchExactly);
+        if (entry < 0)
+            throw noSuchControl(dialog_, QStringLiteral("entry of the list"), control + QStringLiteral(": ") + text);
+        combo->setCurrentIndex(entry);
         return;
     }
     throw noSuchControl(dialog_, QStringLiteral("text box"), control);

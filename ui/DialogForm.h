@@ -1,8 +1,8 @@
 #pragma once
 // A Qt dialog as a ModalForm: the form's controls are its child widgets, found by object
 // name (txtLogin, cmdOK), so a dialog takes part just by naming its controls as the
-// program's forms name them. Typing goes to a line edit or an editable combo box,
-// clicking to any button.
+// program's forms name them. Typing goes to a line edit or an editable combo box (in a
+// drop-down list it picks the entry of that text), clicking to any button.
 //
 // The dialog is owned here; while it is shown it is parented to its owner window, and it
 // is deleted with this object (or with the owner, should that go first).

@@ -3,7 +3,9 @@
 #include <QApplication>
 #include <QHeaderView>
 #include <QMouseEvent>
+#include <QPainter>
 #include <QScrollBar>
+#include <QStyledItemDelegate>
 
 namespace ui {
 
@@ -12,12 +14,33 @@ namespace {
 constexpr int cellPadding = 14;
 constexpr int minimumColumnWidth = 40;
 
+// Paints the marked areas under the cells' texts, in the selection colour made faint, so
+// the grid's own selection (the cell or drag under way) still stands out above them.
+class MarkedAreaDelegate : public QStyledItemDelegate {
+public:
+    explicit MarkedAreaDelegate(TableGrid& grid) : QStyledItemDelegate(&grid), grid_(grid) {}
+
+    void paint(QPainter* painter, const QStyleOptionViewItem& option, const QModelIndex& index) const override
+    {
+        if (grid_.isMarked(index.row(), index.column())) {
+            QColor tint = option.palette.color(QPalette::Highlight);
+            tint.setAlpha(70);
+            painter->fillRect(option.rect, tint);
+        }
+        QStyledItemDelegate::paint(painter, option, index);
+    }
+
+private:
+    TableGrid& grid_;
+};
+
 }  // namespace
 
 TableGrid::TableGrid(RecordsetModel::Access access, QWidget* parent)
     : QTableView(parent), model_(access, this)
 {
     setModel(&model_);
+    setItemDelegate(new MarkedAreaDelegate(*this));
     setSelectionMode(QAbstractItemView::ContiguousSelection);
     setEditTriggers(access == RecordsetModel::Access::Editable
                         ? QAbstractItemView::DoubleClicked | QAbstractItemView::EditKeyPressed |
@@ -87,6 +110,20 @@ QPoint TableGrid::cellAt(const QPoint& viewportPoint) const
 {
     const QModelIndex index = indexAt(viewportPoint);
     return index.isValid() ? QPoint(index.column(), index.row()) : QPoint(-1, -1);
+}
+
+void TableGrid::markAreas(const QList<QRect>& areas)
+{
+    markedAreas_ = areas;
+    viewport()->update();
+}
+
+bool TableGrid::isMarked(int32_t row, int32_t col) const
+{
+    for (const QRect& area : markedAreas_)
+        if (area.contains(col, row))
+            return true;
+    return false;
 }
 
 void TableGrid::fitColumnsToContent()

@@ -43,6 +43,13 @@ public:
     // The cell under a point of the viewport, (-1, -1) outside the cells.
     QPoint cellAt(const QPoint& viewportPoint) const;
 
+    // Tints the cells of these areas (column and row in grid coordinates, corners
+    // included), so the user sees what a calculation or a copy will take. Areas may reach
+    // beyond the last cell.
+    void markAreas(const QList<QRect>& areas);
+    const QList<QRect>& markedAreas() const { return markedAreas_; }
+    bool isMarked(int32_t row, int32_t col) const;
+
     // Widths of the columns from their names and the texts of the rows on screen, at
     // most half the grid wide; the user drags them from there.
     void fitColumnsToContent();
@@ -66,6 +73,7 @@ private:
     void bindNow(std::shared_ptr<jet::Recordset> recordset);
 
     RecordsetModel model_;
+    QList<QRect> markedAreas_;
     bool fitPending_ = false;
     bool bindPending_ = false;
     std::shared_ptr<jet::Recordset> pending_;

@@ -34,6 +34,7 @@
 #include "rt/UiServices.h"
 #include "ui/main/MainMenuDesign.h"
 #include "ui/main/TableGrid.h"
+#include "ui/main/frmTableBusy.h"
 
 namespace ui {
 
@@ -93,33 +94,6 @@ bool frmTable::DisabledMenuShortcuts::reachable(const QAction* item)
     return true;
 }
 
-// The busy cursor and the status bar's progress bar while something runs that may take
-// longer than a moment; nested uses show it once.
-class frmTable::Busy {
-public:
-    explicit Busy(frmTable& form) : form_(form)
-    {
-        if (form_.busyDepth_++ > 0)
-            return;
-        QApplication::setOverrideCursor(Qt::WaitCursor);
-        form_.busyBar_->show();
-        // Painted now: the work that follows keeps the event loop from doing it.
-        form_.statusBar()->repaint();
-    }
-    ~Busy()
-    {
-        if (--form_.busyDepth_ > 0)
-            return;
-        form_.busyBar_->hide();
-        QApplication::restoreOverrideCursor();
-    }
-    Busy(const Busy&) = delete;
-    Busy& operator=(const Busy&) = delete;
-
-private:
-    frmTable& form_;
-};
-
 frmTable::frmTable(QWidget* parent) : QMainWindow(parent)
 {
     setObjectName(QStringLiteral("frmTable"));
@@ -164,10 +138,16 @@ frmTable::frmTable(QWidget* parent) : QMainWindow(parent)
     dtgMain->setObjectName(QStringLiteral("dtgMain"));
 
     for (TableGrid* grid : {frdMain, dtgMain})
-        connect(grid, &TableGrid::currentCellChanged, this, [this] { showStatus(); });
+        connect(grid, &TableGrid::currentCellChanged, this, [this] {
+            app::gSelectedColumn = shownGrid()->Col();
+            showStatus();
+        });
+    connect(frdMain, &TableGrid::MouseDown, this, &frmTable::frdMain_MouseDown);
+    connect(frdMain, &TableGrid::MouseUp, this, &frmTable::frdMain_MouseUp);
 
     createMenus();
     createToolbar();
+    connectCommands();
     createStatusBar();
     layOut();
 
@@ -238,12 +218,16 @@ void frmTable::createToolbar()
 void frmTable::createStatusBar()
 {
     tableStatus_ = new QLabel(this);
+    resultStatus_ = new QLabel(this);
+    resultStatus_->setObjectName(QStringLiteral("resultStatus"));
+    resultStatus_->setTextInteractionFlags(Qt::TextSelectableByMouse);
     cellStatus_ = new QLabel(this);
     busyBar_ = new QProgressBar(this);
     busyBar_->setRange(0, 0);
     busyBar_->setMaximumWidth(160);
     busyBar_->hide();
-    statusBar()->addWidget(tableStatus_, 1);
+    statusBar()->addWidget(tableStatus_);
+    statusBar()->addWidget(resultStatus_, 1);
     statusBar()->addPermanentWidget(busyBar_);
     statusBar()->addPermanentWidget(cellStatus_);
     statusBar()->setSizeGripEnabled(true);
@@ -456,15 +440,15 @@ void frmTable::buildRecentMenu()
 
 void frmTable::mnuDBReopenFile_Click(int index)
 {
-    openDatabase(mRecentFiles.value(index));
+    openDatabase(mRecentFiles.value(index), true);
 }
 
 void frmTable::OpenCommandLineFile(const QString& path)
 {
-    openDatabase(QFileInfo(path).absoluteFilePath());
+    openDatabase(QFileInfo(path).absoluteFilePath(), true);
 }
 
-void frmTable::openDatabase(const QString& path)
+bool frmTable::openDatabase(const QString& path, bool sayWhyNot)
 {
     bool opened = false;
     QString reason;
@@ -476,18 +460,24 @@ void frmTable::openDatabase(const QString& path)
         try {
             opened = app::gDataBase().OpenDataBase(path);
         } catch (const jet::RuntimeError& error) {
+            if (!sayWhyNot)
+                throw;
             reason = QString::fromStdString(error.description());
         }
     }
     if (!opened) {
-        const QString message = QStringLiteral("Error open database!");
-        rt::UiServices::current().messageBox(reason.isEmpty() ? message : message + QStringLiteral("\r\n") + reason, rt::vbCritical);
-        return;
+        if (sayWhyNot) {
+            const QString message = QStringLiteral("Error open database!");
+            rt::UiServices::current().messageBox(reason.isEmpty() ? message : message + QStringLiteral("\r\n") + reason,
+                                                 rt::vbCritical);
+        }
+        return false;
     }
     Busy busy(*this);
     FillTableTree();
     ShowTable(app::gDataBase().CurrentTable());
     setDataBaseOpen(true);
+    return true;
 }
 
 // ---- The tree and the grids
@@ -546,8 +536,9 @@ void frmTable::tvwTable_Collapse(QTreeWidgetItem* node)
 void frmTable::ShowTable(const QString& name)
 {
     sendGridEdits();
-    // A database without tables: nothing to bind, and nothing of the last one may stay.
-    if (app::gDataBase().CurrentTable().isEmpty()) {
+    // A database without tables, or no table named: nothing to bind, and nothing of the
+    // last one may stay.
+    if (name.isEmpty() || app::gDataBase().CurrentTable().isEmpty()) {
         for (TableGrid* grid : {dtgMain, frdMain})
             grid->bind(nullptr);
         showStatus();
@@ -622,6 +613,16 @@ void frmTable::showStatus()
 QStringList frmTable::statusTexts() const
 {
     return {tableStatus_->text(), cellStatus_->text()};
+}
+
+QString frmTable::resultStatusText() const
+{
+    return resultStatus_->text();
+}
+
+void frmTable::showResultStatus(const QString& text)
+{
+    resultStatus_->setText(text);
 }
 
 // ---- Commands of this window

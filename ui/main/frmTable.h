@@ -15,6 +15,11 @@
 #include <QStringList>
 #include <QVector>
 
+#include "rt/UiServices.h"
+
+#include "engine/Rows_Selection.h"
+#include "engine/Table_Selection.h"
+#include "rt/CreatedOnFirstUse.h"
 #include "ui/HelpService.h"
 #include "ui/ImageList.h"
 
@@ -62,6 +67,61 @@ public:
     // Shows the editable grid instead of the read-only one, or back; both stay bound.
     void showEditGrid(bool edit);
 
+    // ---- Selection and edit commands (the selection is made in the read-only grid)
+
+    // The areas a calculation or a copy takes, and the one range every drag fills: all
+    // entries of the list are that same range, so after several drags they all show the
+    // latest one. Both are made on first use and kept for the window's life.
+    engine::Table_Selection& mSelection() const { return selection_.get(); }
+    engine::Rows_Selection& mRange() const { return range_.get(); }
+    void frdMain_MouseDown(Qt::MouseButton button, int32_t row, int32_t col);
+    void frdMain_MouseUp(Qt::MouseButton button, int32_t row, int32_t col);
+    // The whole row or column of the current cell, its far corner one past the last cell.
+    void mnuSelString_Click();
+    void mnuSelColumn_Click();
+    void mnuStrikeAdd_Click();
+    void mnuStrikeDelete_Click();
+    void mnuColumnAdd_Click();
+    void mnuColumnDelete_Click();
+    void mnuColumnRename_Click();
+    void mnuCopy_Click();
+    void mnuEditView_Click();
+
+    // ---- File and database commands
+    void mnuOpenDataBase_Click();
+    void mnuDataBaseCreate_Click();
+    void mnuTableCreate_Click();
+    void mnuDelTable_Click();
+    void mnuOpen_Click();
+    void mnuOpenHTML_Click();
+    void mnuOpenXML_Click();
+    void mnuPicOpen_Click();
+    void mnuSave_Click();
+    void mnuSaveHTML_Click();
+    void mnuSaveXML_Click();
+    // Adds the path to the recent list, its menu and the machine's settings, once.
+    void AddRecentDatabase(const QString& path);
+
+    // ---- Calculation commands and the toolbar
+    void mnuSumm_Click();
+    void mnuMuch_Click();
+    void mnuMid_Click();
+    void mnuMax_Click();
+    void mnuMin_Click();
+    void mnuMidGeo_Click();
+    void mnuMultunomial_Click();
+    void mnuMinDevCrat_Click();
+    void mnuDivisor_Click();
+    void mnuSquareDivisor_Click();
+    void mnuMedian_Click();
+    void mnuMidHarmonic_Click();
+    void mnuInsertResult_Click();
+    void mnuStatisics_Click();
+    void mnuNumberType_Click();
+    void mnuOptionsTable_Click();
+    // The button's command by its key, compared case-sensitively; unknown keys do nothing.
+    void tlbMain_ButtonClick(const QString& key);
+
     // ---- Commands of this window
     void mnuDBReopenFile_Click(int index);
     void mnuExit_Click();
@@ -84,6 +144,8 @@ public:
     QAction* button(const QString& key) const;
     const QStringList& recentFiles() const { return mRecentFiles; }
     QStringList statusTexts() const;
+    // The status bar's word on the last calculation: its result, or why there is none.
+    QString resultStatusText() const;
     HelpService& help() { return help_; }
 
     // Controls, named as the form names them.
@@ -102,6 +164,7 @@ public:
     // Form state.
     bool mEditMode = false;
     bool mActivated = false;
+    bool mMouseDown = false;
     QStringList mRecentFiles;
     QString mDataBasePath;
 
@@ -126,11 +189,31 @@ private:
     };
 
     void createMenus();
+    void connectCommands();
+    // The calculation of that number over the selection; the result, or why there is
+    // none, shows in the status bar under the menu item's caption.
+    QString calculate(int16_t number, const QString& menuItemName);
+    void showResultStatus(const QString& text);
+    // The separator of a text file by the file dialog's filter index.
+    static QString separatorOfFilter(int32_t filterIndex);
+    rt::FileDialogResult askForFile(bool save, const QString& title, const QString& filter,
+                                    const QString& defaultExtension = QString());
+    // Shows the graph digitizer; false (and the user told) when it cannot be shown.
+    bool showDigitizer();
+    // Opens the table file as a new table and gives it a node in the tree.
+    void importTableFile(const QString& path);
+    void addTableNode(const QString& name);
+    // Marks the selected areas in the read-only grid.
+    void showSelection();
+    // The grid on screen: the editable one in edit mode, else the read-only one.
+    TableGrid* shownGrid() const;
     void createToolbar();
     void createStatusBar();
     void layOut();
     void buildRecentMenu();
-    void openDatabase(const QString& path);
+    // Opens the database into the tree and the grids. When it does not open, sayWhyNot
+    // shows "Error open database!" with the reason; otherwise an error reaches the caller.
+    bool openDatabase(const QString& path, bool sayWhyNot);
     void bindGrids(bool keepPlace);
     bool sendGridEdits();
     void markCurrentTable(const QString& name);
@@ -147,8 +230,11 @@ private:
     QLabel* cellStatus_ = nullptr;
     QProgressBar* busyBar_ = nullptr;
     int busyDepth_ = 0;
+    QLabel* resultStatus_ = nullptr;
     HelpService help_;
     DisabledMenuShortcuts disabledMenuShortcuts_;
+    rt::CreatedOnFirstUse<engine::Table_Selection> selection_;
+    rt::CreatedOnFirstUse<engine::Rows_Selection> range_;
 };
 
 }  // namespace ui
